@@ -1,0 +1,196 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/XmlParser.h"
+
+#include "logging/Trace.h"
+#include "model/XmlParserImpl.h"
+#include "model/xmlText.h"
+
+#include <chrono>
+
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/util/XMLUni.hpp>
+
+namespace Zorvane {
+
+using namespace xercesc;
+
+namespace {
+
+constexpr XMLSize_t INITIAL_CAPACITY = 1023;
+constexpr XMLCh LOAD_AND_SAVE[] = {chLatin_L, chLatin_S, chNull};
+
+std::string textOf(const XMLCh* wide) {
+    std::string native;
+    if (wide)
+        wideToNative(wide, native);
+    return native;
+}
+
+std::vector<XMLCh> wide(const char* native) {
+    std::vector<XMLCh> made;
+    nativeToWide(native, made);
+    return made;
+}
+
+// The state that building and reading have in common.
+std::unique_ptr<XmlParserImpl> makeImpl() {
+    auto impl = std::make_unique<XmlParserImpl>();
+    impl->m_pImplementation = DOMImplementationRegistry::getDOMImplementation(LOAD_AND_SAVE);
+    impl->m_pParser = std::make_unique<ZorDomParser>();
+    impl->m_pOutput.reset(impl->m_pImplementation->createLSOutput());
+    impl->m_pTarget = std::make_unique<MemBufFormatTarget>(INITIAL_CAPACITY);
+    return impl;
+}
+
+void createDocument(XmlParserImpl& impl) {
+    impl.m_pBuiltDoc.reset(impl.m_pImplementation->createDocument(wide(ZOR_XML_NAMESPACE).data(),
+                                                                  wide(ZOR_XML_ROOT).data(), nullptr));
+    impl.m_pDoc = impl.m_pBuiltDoc.get();
+    impl.m_pRootElement = impl.m_pDoc->getDocumentElement();
+    impl.m_pCurrentObject = impl.m_pRootElement;
+}
+
+void logXmlException(Trace& trace, const XMLException& exception) {
+    trace.write(LEVEL_FAILURE, "Caught unexpected error on line= ", exception.getSrcLine(),
+                " error msg: ", textOf(exception.getMessage()));
+}
+
+} // namespace
+
+void XmlTextRelease::operator()(char* text) const {
+    XMLString::release(&text);
+}
+
+// The document is serialised when its bytes are asked for, not already here: a reader never asks.
+XmlParser::XmlParser() {
+    Trace trace(g_libLog, "XmlParser:XmlParser::XmlParser()");
+    try {
+        m_pXmlParserImpl = makeImpl();
+        createDocument(*m_pXmlParserImpl);
+    } catch (const XMLException& exception) {
+        logXmlException(trace, exception);
+        m_pXmlParserImpl.reset();
+    }
+}
+
+XmlParser::XmlParser(const unsigned char* buffer, int bufferLen) {
+    Trace trace(g_libLog, "XmlParser:XmlParser::XmlParser()", ", bufferLen=", bufferLen);
+    try {
+        m_pXmlParserImpl = makeImpl();
+    } catch (const XMLException& exception) {
+        logXmlException(trace, exception);
+        return;
+    }
+    if (parse(buffer, bufferLen) != 0)
+        m_pXmlParserImpl.reset();
+}
+
+XmlParser::~XmlParser() = default;
+
+int XmlParser::parse(const unsigned char* inBuffer, int bufferLen) {
+    Trace trace(g_libLog, "XmlParser:XmlParser::parse()", ", bufferLen=", bufferLen);
+    if (!inBuffer) {
+        trace.write(LEVEL_FAILURE, "Exiting, no inBuffer allocated.");
+        return 1;
+    }
+    if (bufferLen <= 0) {
+        trace.write(LEVEL_FAILURE, "Exiting, No buffer length, so nothing to do.");
+        return 1;
+    }
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (!impl || !impl->m_pParser)
+        return 1;
+
+    // The library wants every source to have a name; this one is read by nobody.
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    const std::string id =
+        "fakeID" + std::to_string(std::chrono::duration_cast<std::chrono::seconds>(now).count()) + "\n";
+    int rc = 0;
+    try {
+        const MemBufInputSource source(inBuffer, static_cast<XMLSize_t>(bufferLen), id.c_str(), false);
+        ZorXmlErrorHandler handler;
+        impl->m_pParser->resetDocumentPool();
+        impl->m_pParser->setErrorHandler(&handler);
+        impl->m_pParser->parse(source);
+        impl->m_pParser->setErrorHandler(nullptr);
+        impl->m_pDoc = impl->m_pParser->getDocument();
+        impl->m_pRootElement = impl->m_pDoc->getDocumentElement();
+        impl->m_pCurrentObject = impl->m_pRootElement;
+        impl->m_written = false;
+    } catch (const XMLException& exception) {
+        trace.write(LEVEL_FAILURE, "Exiting, Caught unexpected error on line= ", exception.getSrcLine(),
+                    " error msg: ", textOf(exception.getMessage()));
+        rc = XML_LIBRARY_FAILURE;
+    } catch (const DOMException& exception) {
+        trace.write(LEVEL_FAILURE, "Exiting, Caught unexpected error, DOMException code=", exception.code,
+                    " error msg: ", textOf(exception.getMessage()));
+        rc = XML_DOM_FAILURE;
+    } catch (...) {
+        trace.write(LEVEL_FAILURE, "Exiting, Caught unexpected error, the document could not be parsed.");
+        rc = XML_NOT_WELL_FORMED;
+    }
+    if (rc != 0)
+        impl->m_pParser.reset();
+    return trace.leave(rc, ", return rc=", rc);
+}
+
+int XmlParser::write() {
+    Trace trace(g_libLog, "XmlParser:XmlParser::write()");
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (!impl)
+        return 1;
+    impl->m_pTarget->reset();
+    impl->m_written = true;
+    int rc = 0;
+    try {
+        const std::unique_ptr<DOMLSSerializer, DomRelease> serializer(
+            impl->m_pImplementation->createLSSerializer());
+        DOMConfiguration* configuration = serializer->getDomConfig();
+        if (configuration->canSetParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true))
+            configuration->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
+        impl->m_pOutput->setByteStream(impl->m_pTarget.get());
+        if (!serializer->write(impl->m_pDoc, impl->m_pOutput.get())) {
+            trace.write(LEVEL_FAILURE, "Unexpected error while writing the configuration");
+            rc = XML_WRITE_FAILED;
+        }
+    } catch (const XMLException& exception) {
+        // The object is of no use any more: every later call reports that it has no implementation.
+        logXmlException(trace, exception);
+        m_pXmlParserImpl.reset();
+        rc = XML_WRITE_FAILED;
+    } catch (const DOMException& exception) {
+        trace.write(LEVEL_FAILURE, "Caught DOMException, code=", exception.code,
+                    " error msg: ", textOf(exception.getMessage()));
+        impl->m_pParser.reset();
+        rc = XML_DOM_FAILURE;
+    } catch (...) {
+        trace.write(LEVEL_FAILURE, "Caught wierd exception Here at line, ", __LINE__);
+        rc = 1;
+    }
+    return trace.leave(rc, ", return rc=", rc);
+}
+
+const unsigned char* XmlParser::getBuffer() {
+    if (m_pXmlParserImpl && !m_pXmlParserImpl->m_written)
+        write();
+    return m_pXmlParserImpl ? m_pXmlParserImpl->m_pTarget->getRawBuffer() : nullptr;
+}
+
+int XmlParser::getBufferLen() {
+    if (m_pXmlParserImpl && !m_pXmlParserImpl->m_written)
+        write();
+    return m_pXmlParserImpl ? static_cast<int>(m_pXmlParserImpl->m_pTarget->getLen()) : 0;
+}
+
+void XmlParser::releaseDocument() {
+    if (!m_pXmlParserImpl)
+        return;
+    m_pXmlParserImpl->m_pBuiltDoc.reset();
+    m_pXmlParserImpl->m_pDoc = nullptr;
+    m_pXmlParserImpl->m_pRootElement = nullptr;
+    m_pXmlParserImpl->m_pCurrentElement = nullptr;
+    m_pXmlParserImpl->m_pCurrentObject = nullptr;
+    m_pXmlParserImpl->m_pCurrentValue = nullptr;
+}
+
+} // namespace Zorvane

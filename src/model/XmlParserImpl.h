@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+// The parser's state, apart so that the XML library's types stay out of XmlParser.h.
+#pragma once
+
+#include "model/ZorDomParser.h"
+#include "model/xmlLibrary.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/MemBufFormatTarget.hpp>
+
+namespace Zorvane {
+
+/// For objects of the library that are given back with release().
+struct DomRelease {
+    template <class Object>
+    void operator()(Object* object) const {
+        object->release();
+    }
+};
+
+class XmlParserImpl {
+  public:
+    XmlLibraryHold m_library; // first: it goes last
+    xercesc::DOMNode* m_pCurrentObject = nullptr;
+    xercesc::DOMNode* m_pCurrentValue = nullptr;
+    xercesc::DOMElement* m_pRootElement = nullptr;
+    xercesc::DOMElement* m_pCurrentElement = nullptr; ///< the record that AppendValue appends to
+    std::unique_ptr<ZorDomParser> m_pParser;
+    std::unique_ptr<xercesc::DOMDocument, DomRelease> m_pBuiltDoc; ///< owned here when it was built here
+    xercesc::DOMDocument* m_pDoc = nullptr;
+    xercesc::DOMImplementation* m_pImplementation = nullptr;
+    std::unique_ptr<xercesc::MemBufFormatTarget> m_pTarget;
+    std::unique_ptr<xercesc::DOMLSOutput, DomRelease> m_pOutput;
+
+    std::string m_tag;             ///< the tag of the last step of a walk
+    std::string m_text;            ///< the last value taken out
+    std::vector<XMLCh> m_wideTag;  ///< scratch
+    std::vector<XMLCh> m_wideText; ///< scratch
+    bool m_written = false;        ///< the target holds the document as it stands
+};
+
+} // namespace Zorvane

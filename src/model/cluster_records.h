@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
+// The record classes of records/cluster.def.
+#pragma once
+
+#include "model/RecordBase.h"
+#include "model/storage_records.h"
+
+#define ZOR_FAMILY "model/records/cluster.def"
+#include "model/records/declare.inc"

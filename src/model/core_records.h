@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
+// The record classes of records/core.def.
+#pragma once
+
+#include "model/RecordBase.h"
+
+#define ZOR_FAMILY "model/records/core.def"
+#include "model/records/declare.inc"

@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: Apache-2.0
+// XmlParser: building a document.
+#include "logging/Trace.h"
+#include "model/XmlParser.h"
+#include "model/XmlParserImpl.h"
+#include "model/xmlText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cwchar>
+
+#include <xercesc/util/Base64.hpp>
+
+namespace Zorvane {
+
+using namespace xercesc;
+
+namespace {
+
+constexpr const char* LABEL = "XmlParser:XmlParser::AppendValue()";
+constexpr const char* NO_IMPLEMENTATION = "Exiting, No Implementation for XmlParserImpl allocated.";
+constexpr const char* NULL_VALUE = "Unexpected NULL value in AppendValue.";
+constexpr const char* NO_IMPL_DOCUMENT = "m_pXmlParserImpl->m_pDoc must be initialized to append a node.";
+
+// A DOS end-of-file byte would end the document early for old readers.
+constexpr XMLCh DOS_END_OF_FILE = 0x1A;
+
+int refuse(int rc, const char* label, const char* why) {
+    if (g_libLog)
+        g_libLog->WriteDebugMsg(DEBUG_FLAGS, LEVEL_FAILURE, label, why);
+    return rc;
+}
+
+// Elements bear the root's namespace, so that it is declared once, at the root.
+DOMElement* makeElement(XmlParserImpl& impl, const char* tag) {
+    nativeToWide(tag, impl.m_wideTag);
+    impl.m_written = false;
+    return impl.m_pDoc->createElementNS(impl.m_pRootElement->getNamespaceURI(), impl.m_wideTag.data());
+}
+
+DOMElement* appendTo(XmlParserImpl& impl, const char* tag) {
+    DOMElement* element = makeElement(impl, tag);
+    impl.m_pCurrentElement->appendChild(element);
+    return element;
+}
+
+void appendText(XmlParserImpl& impl, DOMElement& element, const XMLCh* text) {
+    element.appendChild(impl.m_pDoc->createTextNode(text));
+}
+
+// The value's element with its text, for the texts of the process.
+DOMElement* appendNative(XmlParserImpl& impl, const char* tag, std::string_view value) {
+    DOMElement* element = appendTo(impl, tag);
+    nativeToWide(value, impl.m_wideText);
+    std::replace(impl.m_wideText.begin(), impl.m_wideText.end(), DOS_END_OF_FILE, XMLCh{'_'});
+    appendText(impl, *element, impl.m_wideText.data());
+    return element;
+}
+
+template <class Number>
+int appendNumber(XmlParser& parser, const char* tag, Number value) {
+    char buffer[32];
+    *std::to_chars(buffer, buffer + sizeof buffer - 1, value).ptr = '\0';
+    return parser.AppendValue(tag, static_cast<const char*>(buffer));
+}
+
+// What stands against appending a value, or 0. The wide and binary forms word a missing document otherwise.
+int checkNative(const XmlParserImpl* impl, const char* tag) {
+    if (!impl)
+        return refuse(1, LABEL, NO_IMPLEMENTATION);
+    if (!impl->m_pDoc)
+        return refuse(1, LABEL, "document must be initialized to append a node.");
+    if (!impl->m_pCurrentElement || !tag)
+        return refuse(1, LABEL, NULL_VALUE);
+    return 0;
+}
+
+int checkWide(const XmlParserImpl* impl, const char* tag) {
+    if (!impl)
+        return refuse(1, LABEL, NO_IMPLEMENTATION);
+    if (!impl->m_pDoc)
+        return refuse(XML_BAD_STATE, LABEL, NO_IMPL_DOCUMENT);
+    if (!impl->m_pCurrentElement || !tag)
+        return refuse(XML_BAD_STATE, LABEL, NULL_VALUE);
+    return 0;
+}
+
+// UTF-32 units to UTF-16; what is no character becomes the replacement character.
+std::vector<XMLCh> utf16(const wchar_t* text, std::size_t length) {
+    constexpr XMLCh replacement = 0xFFFD;
+    std::vector<XMLCh> units;
+    units.reserve(length + 1);
+    for (std::size_t i = 0; i < length; ++i) {
+        const auto code = static_cast<std::uint32_t>(text[i]);
+        const bool isSurrogate = code >= 0xD800 && code < 0xE000;
+        if (code >= 0x110000 || isSurrogate) {
+            units.push_back(replacement);
+        } else if (code >= 0x10000) {
+            units.push_back(static_cast<XMLCh>(0xD800 + ((code - 0x10000) >> 10)));
+            units.push_back(static_cast<XMLCh>(0xDC00 + ((code - 0x10000) & 0x3FF)));
+        } else {
+            units.push_back(static_cast<XMLCh>(code));
+        }
+    }
+    units.push_back(0);
+    return units;
+}
+
+} // namespace
+
+int XmlParser::AppendElement(const char* tag) {
+    constexpr const char* label = "XmlParser:XmlParser::AppendElement()";
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (!impl)
+        return refuse(1, label, NO_IMPLEMENTATION);
+    if (!impl->m_pRootElement)
+        return refuse(1, label, "DOMElement is NULL in AppendElement().");
+    if (!impl->m_pDoc)
+        return refuse(1, label, NO_IMPL_DOCUMENT);
+    if (!tag)
+        return refuse(1, label, NULL_VALUE);
+    DOMElement* element = makeElement(*impl, tag);
+    if (!element)
+        return refuse(1, label, "Failed to create new element.");
+    impl->m_pRootElement->appendChild(element);
+    impl->m_pCurrentElement = element;
+    return 0;
+}
+
+int XmlParser::AppendValue(const char* tag, IDREF value, bool fromDb) {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (const int rc = checkNative(impl, tag))
+        return rc;
+    static constexpr XMLCh attribute[] = {'f', 'r', 'o', 'm', 'D', 'b', 0};
+    const XMLCh flag[] = {static_cast<XMLCh>(fromDb ? '1' : '0'), 0};
+    char digits[16];
+    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    appendNative(*impl, tag, std::string_view(digits, end))->setAttribute(attribute, flag);
+    return 0;
+}
+
+int XmlParser::AppendValue(const char* tag, const char* value) {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (const int rc = checkNative(impl, tag))
+        return rc;
+    if (value)
+        appendNative(*impl, tag, value);
+    else
+        appendTo(*impl, tag);
+    return 0;
+}
+
+int XmlParser::AppendValue(const char* tag, const std::string* value) {
+    return AppendValue(tag, value ? value->c_str() : "");
+}
+
+int XmlParser::AppendValue(const char* tag, const std::string& value) {
+    return AppendValue(tag, value.c_str());
+}
+
+int XmlParser::AppendValue(const char* tag, char value) {
+    const char text[] = {value, '\0'};
+    return AppendValue(tag, static_cast<const char*>(text));
+}
+
+int XmlParser::AppendValue(const char* tag, int value) {
+    return appendNumber(*this, tag, value);
+}
+int XmlParser::AppendValue(const char* tag, bool value) {
+    return appendNumber(*this, tag, value ? 1 : 0);
+}
+int XmlParser::AppendValue(const char* tag, unsigned int value) {
+    return appendNumber(*this, tag, value);
+}
+int XmlParser::AppendValue(const char* tag, long value) {
+    return appendNumber(*this, tag, value);
+}
+int XmlParser::AppendValue(const char* tag, unsigned long value) {
+    return appendNumber(*this, tag, value);
+}
+int XmlParser::AppendValue(const char* tag, __int64 value) {
+    return appendNumber(*this, tag, value);
+}
+
+int XmlParser::AppendValue(const char* tag, const wchar_t* value) {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (const int rc = checkWide(impl, tag))
+        return rc;
+    DOMElement* element = appendTo(*impl, tag);
+    if (value)
+        appendText(*impl, *element, utf16(value, std::wcslen(value)).data());
+    return 0;
+}
+
+int XmlParser::AppendValue(const char* tag, wchar_t value) {
+    const wchar_t text[] = {value, L'\0'};
+    return AppendValue(tag, static_cast<const wchar_t*>(text));
+}
+
+int XmlParser::AppendValue(const char* tag, const unsigned char* value, unsigned int length) {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (const int rc = checkWide(impl, tag))
+        return rc;
+    DOMElement* element = appendTo(*impl, tag);
+    if (!value || length == 0)
+        return 0;
+    XMLSize_t encodedLength = 0;
+    XMLByte* encoded = Base64::encode(value, length, &encodedLength);
+    if (!encoded)
+        return refuse(XML_BAD_STATE, LABEL, "Failed to encode XML HexBinary data.");
+    impl->m_wideText.assign(encoded, encoded + encodedLength);
+    impl->m_wideText.push_back(0);
+    XMLPlatformUtils::fgMemoryManager->deallocate(encoded);
+    appendText(*impl, *element, impl->m_wideText.data());
+    return 0;
+}
+
+} // namespace Zorvane

@@ -1,0 +1,317 @@
+// SPDX-License-Identifier: Apache-2.0
+// XmlParser: walking a parsed document and taking values out of it.
+#include "logging/Trace.h"
+#include "model/XmlParser.h"
+#include "model/XmlParserImpl.h"
+#include "model/xmlText.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <new>
+
+#include <xercesc/util/Base64.hpp>
+
+namespace Zorvane {
+
+using namespace xercesc;
+
+namespace {
+
+void log(mrthLogDebugLevel_t level, const char* label, const char* text) {
+    if (g_libLog)
+        g_libLog->WriteDebugMsg(DEBUG_FLAGS, level, label, text);
+}
+
+DOMNode* skipTexts(DOMNode* node) {
+    while (node && node->getNodeType() == DOMNode::TEXT_NODE)
+        node = node->getNextSibling();
+    return node;
+}
+
+// The name of an element. A node that is neither text nor element (a comment) ends a walk, and this stays so.
+const std::string* tagOf(XmlParserImpl& impl, const DOMNode* node) {
+    if (!node || node->getNodeType() != DOMNode::ELEMENT_NODE)
+        return nullptr;
+    // Names are compared without their prefix.
+    const XMLCh* local = node->getLocalName();
+    wideToNative(local ? local : node->getNodeName(), impl.m_tag);
+    return &impl.m_tag;
+}
+
+char* copyForCaller(const std::string* tag) {
+    return tag ? XMLString::replicate(tag->c_str()) : nullptr;
+}
+
+// The text of an element; null for an element without any.
+const std::string* textOf(XmlParserImpl& impl, const DOMNode* node) {
+    const DOMNode* child = node ? node->getFirstChild() : nullptr;
+    if (!child || !child->getNodeValue())
+        return nullptr;
+    wideToNative(child->getNodeValue(), impl.m_text);
+    return &impl.m_text;
+}
+
+// The text of the value cursor, or null; told once if the object has no document.
+const std::string* valueText(XmlParserImpl* impl) {
+    if (!impl) {
+        log(LEVEL_FAILURE, "XmlParser:XmlParser::CopyNodeValue()",
+            "Exiting, No Implementation for XmlParserImplementation for XmlParserImpl allocated.");
+        return nullptr;
+    }
+    return textOf(*impl, impl->m_pCurrentValue);
+}
+
+template <class Number>
+void copySigned(XmlParserImpl* impl, Number* destination) {
+    if (const std::string* text = valueText(impl))
+        *destination = static_cast<Number>(std::strtol(text->c_str(), nullptr, 10));
+}
+
+template <class Number>
+void copyUnsigned(XmlParserImpl* impl, Number* destination) {
+    if (const std::string* text = valueText(impl))
+        *destination = static_cast<Number>(std::strtoul(text->c_str(), nullptr, 10));
+}
+
+// An attribute of the value element, or null.
+const XMLCh* attributeOf(const XmlParserImpl& impl, const XMLCh* name) {
+    if (!impl.m_pCurrentValue || impl.m_pCurrentValue->getNodeType() != DOMNode::ELEMENT_NODE)
+        return nullptr;
+    const auto* element = static_cast<const DOMElement*>(impl.m_pCurrentValue);
+    return element->hasAttribute(name) ? element->getAttribute(name) : nullptr;
+}
+
+std::wstring wideTextOf(const XmlParserImpl& impl) {
+    const DOMNode* child = impl.m_pCurrentValue ? impl.m_pCurrentValue->getFirstChild() : nullptr;
+    std::wstring wide;
+    if (!child || !child->getNodeValue())
+        return wide;
+    for (const XMLCh* unit = child->getNodeValue(); *unit; ++unit) {
+        const bool isPair = unit[0] >= 0xD800 && unit[0] < 0xDC00 && unit[1] >= 0xDC00 && unit[1] < 0xE000;
+        if (isPair) {
+            wide += static_cast<wchar_t>(0x10000 + ((unit[0] - 0xD800) << 10) + (unit[1] - 0xDC00));
+            ++unit;
+        } else {
+            wide += static_cast<wchar_t>(*unit);
+        }
+    }
+    return wide;
+}
+
+template <class Char>
+void copyToNewArray(const Char* text, std::size_t length, Char** destination) {
+    *destination = new (std::nothrow) Char[length + 1];
+    if (!*destination) {
+        log(LEVEL_FAILURE, "XmlParser:XmlParser::CopyNodeValue()",
+            "Failed to allocate memory in CopyNodeValue.");
+        return;
+    }
+    std::copy_n(text, length, *destination);
+    (*destination)[length] = 0;
+}
+
+} // namespace
+
+int XmlParser::initChildren() {
+    if (!m_pXmlParserImpl) {
+        log(LEVEL_FAILURE, "XmlParser:XmlParser::initChildren()",
+            "Exiting, No Implementation for XmlParserImpl allocated.");
+        return 1;
+    }
+    if (!m_pXmlParserImpl->m_pCurrentObject) {
+        log(LEVEL_FINE, "XmlParser:XmlParser::initChildren()", "Could not get DOMNOde. In initChildren()");
+        return 1;
+    }
+    return 0;
+}
+
+const std::string* XmlParser::firstObjectTag() {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (!impl)
+        return nullptr;
+    DOMNode* child = impl->m_pCurrentObject ? skipTexts(impl->m_pCurrentObject->getFirstChild()) : nullptr;
+    impl->m_pCurrentObject = impl->m_pCurrentValue = child;
+    if (!child)
+        log(LEVEL_FINE, "XmlParser:XmlParser::getFirstObject()",
+            "Could not get next non TEXT_NODE Child in getFirstObject().");
+    return tagOf(*impl, child);
+}
+
+const std::string* XmlParser::nextObjectTag() {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (!impl || !impl->m_pCurrentObject) {
+        log(LEVEL_FINE, "XmlParser:XmlParser::getNextObject()", "Could not get DOMNOde. In getNextObject().");
+        return nullptr;
+    }
+    impl->m_pCurrentObject = skipTexts(impl->m_pCurrentObject->getNextSibling());
+    impl->m_pCurrentValue = impl->m_pCurrentObject;
+    return tagOf(*impl, impl->m_pCurrentObject);
+}
+
+const std::string* XmlParser::firstValueTag() {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    DOMNode* child =
+        impl && impl->m_pCurrentValue ? skipTexts(impl->m_pCurrentValue->getFirstChild()) : nullptr;
+    if (!child) {
+        log(LEVEL_FINE, "XmlParser:XmlParser::getFirstValue()", "Could not get DOMNOde. In getFirstValue()");
+        return nullptr;
+    }
+    impl->m_pCurrentValue = child;
+    return tagOf(*impl, child);
+}
+
+const std::string* XmlParser::nextValueTag() {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    if (!impl || !impl->m_pCurrentValue) {
+        log(LEVEL_FINE, "XmlParser:XmlParser::getNextValue()", "Could not get DOMNOde. In getNextValue()");
+        return nullptr;
+    }
+    impl->m_pCurrentValue = skipTexts(impl->m_pCurrentValue->getNextSibling());
+    return tagOf(*impl, impl->m_pCurrentValue);
+}
+
+char* XmlParser::getFirstObject() {
+    return copyForCaller(firstObjectTag());
+}
+char* XmlParser::getNextObject() {
+    return copyForCaller(nextObjectTag());
+}
+char* XmlParser::getFirstValue() {
+    return copyForCaller(firstValueTag());
+}
+char* XmlParser::getNextValue() {
+    return copyForCaller(nextValueTag());
+}
+
+std::string XmlParser::getRootName() {
+    const std::string* tag =
+        m_pXmlParserImpl ? tagOf(*m_pXmlParserImpl, m_pXmlParserImpl->m_pRootElement) : nullptr;
+    return tag ? *tag : std::string();
+}
+
+XmlNode* XmlParser::getCurrentNode() {
+    return m_pXmlParserImpl ? reinterpret_cast<XmlNode*>(m_pXmlParserImpl->m_pCurrentObject) : nullptr;
+}
+
+void XmlParser::setCurrentNode(XmlNode* node) {
+    if (m_pXmlParserImpl)
+        m_pXmlParserImpl->m_pCurrentObject = m_pXmlParserImpl->m_pCurrentValue =
+            reinterpret_cast<DOMNode*>(node);
+}
+
+void XmlParser::CopyNode(std::string* destination) {
+    if (!m_pXmlParserImpl)
+        return;
+    if (const std::string* text = textOf(*m_pXmlParserImpl, m_pXmlParserImpl->m_pCurrentObject))
+        *destination = *text;
+}
+
+void XmlParser::CopyNodeAttribute(std::string* destination, const std::string* name) {
+    if (!m_pXmlParserImpl)
+        return;
+    nativeToWide(*name, m_pXmlParserImpl->m_wideTag);
+    if (const XMLCh* text = attributeOf(*m_pXmlParserImpl, m_pXmlParserImpl->m_wideTag.data()))
+        wideToNative(text, *destination);
+}
+
+void XmlParser::CopyNodeValue(bool* destination) {
+    if (const std::string* text = valueText(m_pXmlParserImpl.get()))
+        *destination = std::strtol(text->c_str(), nullptr, 10) != 0;
+}
+
+void XmlParser::CopyNodeValue(unsigned char* destination) {
+    if (!m_pXmlParserImpl)
+        return;
+    const std::string* text = valueText(m_pXmlParserImpl.get());
+    *destination = text && !text->empty() ? static_cast<unsigned char>(text->front()) : 0;
+}
+
+void XmlParser::CopyNodeValue(std::string* destination) {
+    if (const std::string* text = valueText(m_pXmlParserImpl.get()))
+        *destination = *text;
+}
+
+void XmlParser::CopyNodeValue(int* destination) {
+    copySigned(m_pXmlParserImpl.get(), destination);
+}
+void XmlParser::CopyNodeValue(long* destination) {
+    copySigned(m_pXmlParserImpl.get(), destination);
+}
+void XmlParser::CopyNodeValue(__int64* destination) {
+    copySigned(m_pXmlParserImpl.get(), destination);
+}
+void XmlParser::CopyNodeValue(unsigned int* destination) {
+    copyUnsigned(m_pXmlParserImpl.get(), destination);
+}
+void XmlParser::CopyNodeValue(unsigned short* destination) {
+    copyUnsigned(m_pXmlParserImpl.get(), destination);
+}
+void XmlParser::CopyNodeValue(unsigned long* destination) {
+    copyUnsigned(m_pXmlParserImpl.get(), destination);
+}
+
+void XmlParser::CopyNodeValue(wchar_t* destination) {
+    if (!m_pXmlParserImpl)
+        return;
+    const std::wstring text = wideTextOf(*m_pXmlParserImpl);
+    *destination = text.empty() ? L'\0' : text.front();
+}
+
+void XmlParser::CopyNodeValue(wchar_t** destination) {
+    if (!m_pXmlParserImpl)
+        return;
+    const std::wstring text = wideTextOf(*m_pXmlParserImpl);
+    copyToNewArray(text.data(), text.size(), destination);
+}
+
+void XmlParser::CopyNodeValue(char** destination) {
+    if (!m_pXmlParserImpl)
+        return;
+    const std::string* text = valueText(m_pXmlParserImpl.get());
+    copyToNewArray(text ? text->data() : "", text ? text->size() : 0, destination);
+}
+
+void XmlParser::CopyNodeValue(unsigned char** destination) {
+    if (!m_pXmlParserImpl)
+        return;
+    *destination = nullptr;
+    const std::string* text = valueText(m_pXmlParserImpl.get());
+    if (!text)
+        return;
+    XMLSize_t length = 0;
+    *destination = Base64::decode(reinterpret_cast<const XMLByte*>(text->c_str()), &length);
+    if (!*destination)
+        log(LEVEL_FAILURE, "XmlParser:XmlParser::CopyNodeValue()", "FAILED TO DECODE XML HexBinary data.\n");
+}
+
+void XmlParser::CopyNodeValue(std::vector<unsigned char>* destination) {
+    const std::string* text = valueText(m_pXmlParserImpl.get());
+    if (!text)
+        return;
+    XMLSize_t length = 0;
+    XMLByte* decoded = Base64::decode(reinterpret_cast<const XMLByte*>(text->c_str()), &length);
+    if (!decoded) {
+        log(LEVEL_FAILURE, "XmlParser:XmlParser::CopyNodeValue()", "FAILED TO DECODE XML HexBinary data.\n");
+        destination->clear();
+        return;
+    }
+    destination->assign(decoded, decoded + length);
+    XMLPlatformUtils::fgMemoryManager->deallocate(decoded);
+}
+
+void XmlParser::CopyNodeValue(IDREF* destination, bool* fromDb) {
+    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    const std::string* text = valueText(impl);
+    if (text)
+        *destination = static_cast<IDREF>(std::strtoul(text->c_str(), nullptr, 10));
+    static constexpr XMLCh attribute[] = {'f', 'r', 'o', 'm', 'D', 'b', 0};
+    const XMLCh* flag = impl ? attributeOf(*impl, attribute) : nullptr;
+    if (!flag)
+        return;
+    wideToNative(flag, impl->m_text);
+    *fromDb = std::strtol(impl->m_text.c_str(), nullptr, 10) != 0;
+}
+
+} // namespace Zorvane

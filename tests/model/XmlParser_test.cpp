@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/XmlParser.h"
+
+#include <clocale>
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+namespace Zorvane {
+namespace {
+
+struct Parsed {
+    std::string text;
+    XmlParser parser;
+    explicit Parsed(std::string document)
+        : text(std::move(document)),
+          parser(reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size())) {}
+};
+
+std::string bytesOf(XmlParser& parser) {
+    return {reinterpret_cast<const char*>(parser.getBuffer()),
+            static_cast<std::size_t>(parser.getBufferLen())};
+}
+
+// One value written as text and read back.
+std::string roundTrip(const std::string& value) {
+    XmlParser writer;
+    writer.AppendElement("Row");
+    writer.AppendValue("Field", value);
+    Parsed reader(bytesOf(writer));
+    reader.parser.initChildren();
+    reader.parser.firstObjectTag();
+    reader.parser.firstValueTag();
+    std::string read = "unread";
+    reader.parser.CopyNodeValue(&read);
+    return read;
+}
+
+class XmlParserTest : public testing::Test {
+  protected:
+    void SetUp() override { std::setlocale(LC_ALL, "C.UTF-8"); }
+    void TearDown() override { std::setlocale(LC_ALL, "C"); }
+};
+
+TEST_F(XmlParserTest, TextsComeBackAsTheyWent) {
+    const std::string texts[] = {
+        "plain",
+        "<a & \"b\" 'c'>",
+        " blanks around ",
+        "  ",
+        "two\nlines",
+        "carriage\rreturn",
+        "tab\there",
+        "gr\xc3\xbc\xc3\x9f",
+        "\xe6\x97\xa5\xe6\x9c\xac",
+        "\xf0\x9f\x92\xbe",
+        "]]>",
+    };
+    for (const std::string& text : texts)
+        EXPECT_EQ(roundTrip(text), text);
+    EXPECT_EQ(roundTrip("dos\x1a"
+                        "end"),
+              "dos_end");
+    EXPECT_EQ(roundTrip(""), "unread") << "an element without text leaves the destination alone";
+}
+
+TEST_F(XmlParserTest, TextsSurviveALocaleThatDoesNotKnowThem) {
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(roundTrip("gr\xc3\xbc\xc3\x9f"), "gr\xc3\xbc\xc3\x9f");
+    EXPECT_FALSE(roundTrip("\xff\xfe").empty());
+}
+
+TEST_F(XmlParserTest, NumbersAreRead) {
+    Parsed p("<r><o><a>-7</a><b>4294967295</b><c>9223372036854775807</c><d>12x</d><e>word</e><f/></o></r>");
+    p.parser.initChildren();
+    p.parser.firstObjectTag();
+    p.parser.firstValueTag();
+    int number = 1;
+    p.parser.CopyNodeValue(&number);
+    EXPECT_EQ(number, -7);
+    p.parser.nextValueTag();
+    unsigned int wide = 1;
+    p.parser.CopyNodeValue(&wide);
+    EXPECT_EQ(wide, 4294967295U);
+    p.parser.nextValueTag();
+    __int64 huge = 1;
+    p.parser.CopyNodeValue(&huge);
+    EXPECT_EQ(huge, 9223372036854775807LL);
+    p.parser.nextValueTag();
+    p.parser.CopyNodeValue(&number);
+    EXPECT_EQ(number, 12);
+    p.parser.nextValueTag();
+    p.parser.CopyNodeValue(&number);
+    EXPECT_EQ(number, 0);
+    p.parser.nextValueTag();
+    number = 5;
+    bool flag = true;
+    p.parser.CopyNodeValue(&number);
+    p.parser.CopyNodeValue(&flag);
+    EXPECT_EQ(number, 5);
+    EXPECT_TRUE(flag);
+    char* text = nullptr;
+    p.parser.CopyNodeValue(&text);
+    EXPECT_STREQ(text, "");
+    delete[] text;
+    EXPECT_EQ(p.parser.nextValueTag(), nullptr);
+}
+
+TEST_F(XmlParserTest, AReferenceWithoutItsFlagLeavesTheFlag) {
+    Parsed p("<r><o><a>5</a><b fromDb='1'>6</b><c fromDb='0'>7</c></o></r>");
+    p.parser.initChildren();
+    p.parser.firstObjectTag();
+    const struct {
+        ID id;
+        bool before, after;
+    } cases[] = {{5, true, true}, {6, false, true}, {7, true, false}};
+    const std::string* tag = p.parser.firstValueTag();
+    for (const auto& c : cases) {
+        ASSERT_NE(tag, nullptr);
+        IDREF id = 0;
+        bool fromDb = c.before;
+        p.parser.CopyNodeValue(&id, &fromDb);
+        EXPECT_EQ(id, c.id);
+        EXPECT_EQ(fromDb, c.after);
+        tag = p.parser.nextValueTag();
+    }
+}
+
+TEST_F(XmlParserTest, BytesComeBackThroughBase64) {
+    XmlParser writer;
+    writer.AppendElement("Row");
+    const unsigned char bytes[] = {0, 0x1a, 255, 7};
+    EXPECT_EQ(writer.AppendValue("Data", bytes, sizeof bytes), 0);
+    Parsed reader(bytesOf(writer));
+    reader.parser.initChildren();
+    reader.parser.firstObjectTag();
+    reader.parser.firstValueTag();
+    std::vector<unsigned char> read;
+    reader.parser.CopyNodeValue(&read);
+    EXPECT_EQ(read, std::vector<unsigned char>(bytes, bytes + sizeof bytes));
+}
+
+TEST_F(XmlParserTest, ResultsTellWhatWentWrong) {
+    XmlParser writer;
+    const unsigned char byte = 1;
+    EXPECT_EQ(writer.AppendValue("Field", "text"), 1) << "no record yet";
+    EXPECT_EQ(writer.AppendValue("Field", L"wide"), XML_BAD_STATE);
+    EXPECT_EQ(writer.AppendValue("Field", &byte, 1), XML_BAD_STATE);
+    EXPECT_EQ(writer.AppendElement(nullptr), 1);
+    EXPECT_EQ(writer.AppendElement("Row"), 0);
+    EXPECT_EQ(writer.AppendValue("Field", L"wide"), 0);
+    EXPECT_EQ(writer.parse(nullptr, 5), 1);
+    EXPECT_EQ(writer.parse(&byte, 0), 1);
+
+    Parsed empty("");
+    EXPECT_EQ(empty.parser.initChildren(), 1);
+    EXPECT_EQ(empty.parser.getFirstObject(), nullptr);
+    EXPECT_EQ(empty.parser.AppendElement("Row"), 1);
+    EXPECT_EQ(empty.parser.AppendValue("Field", &byte, 1), 1);
+    EXPECT_EQ(empty.parser.write(), 1);
+}
+
+TEST_F(XmlParserTest, BadAndHostileDocumentsAreRefused) {
+    std::string deep;
+    for (int i = 0; i < 100000; ++i)
+        deep += "<a>";
+    const std::string documents[] = {
+        "no xml",
+        "<a>",
+        "<a></b>",
+        "<a>&undefined;</a>",
+        std::string("<a>\0</a>", 8),
+        "<!DOCTYPE a [<!ENTITY x SYSTEM 'file:///etc/passwd'>]><a>&x;</a>",
+        "<!DOCTYPE a SYSTEM 'http://127.0.0.1:1/a.dtd'><a/>",
+        deep,
+    };
+    for (const std::string& document : documents) {
+        XmlParser parser;
+        EXPECT_EQ(parser.parse(reinterpret_cast<const unsigned char*>(document.data()),
+                               static_cast<int>(document.size())),
+                  XML_NOT_WELL_FORMED)
+            << document.substr(0, 60);
+    }
+}
+
+TEST_F(XmlParserTest, TheWalkSkipsTextAndEndsAtAComment) {
+    Parsed p("<r>\n <a/>\n text <b><c/> <d/></b><!-- end of the walk --><e/></r>");
+    ASSERT_EQ(p.parser.initChildren(), 0);
+    EXPECT_EQ(*p.parser.firstObjectTag(), "a");
+    EXPECT_EQ(p.parser.firstValueTag(), nullptr);
+    EXPECT_EQ(*p.parser.nextObjectTag(), "b");
+    EXPECT_EQ(*p.parser.firstValueTag(), "c");
+    EXPECT_EQ(*p.parser.nextValueTag(), "d");
+    EXPECT_EQ(p.parser.nextValueTag(), nullptr);
+    EXPECT_EQ(p.parser.nextObjectTag(), nullptr);
+    EXPECT_EQ(p.parser.getRootName(), "r");
+}
+
+TEST_F(XmlParserTest, TheDocumentDeclaresItsNamespaceOnce) {
+    XmlParser writer;
+    writer.AppendElement("Row");
+    writer.AppendValue("Field", "x");
+    const std::string text = bytesOf(writer);
+    EXPECT_NE(text.find("<ZorData xmlns=\"urn:zorvane:zordata:1\">"), std::string::npos) << text;
+    EXPECT_EQ(text.find("xmlns", text.find("xmlns") + 1), std::string::npos) << text;
+    XmlParser none;
+    EXPECT_GT(none.getBufferLen(), 0);
+}
+
+} // namespace
+} // namespace Zorvane
