@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/windows_records.h"
+#include "storage/Rows.h"
+
+#include <set>
+
+namespace Zorvane {
+
+// The walk along references tells a table's references apart by their targets.
+TEST(Lookup, noTableRefersToAnotherOneTwice) {
+    for (const TableDescriptor* table : allTables()) {
+        std::set<std::string_view> targets;
+        for (const Field& field : table->fields)
+            if (field.kind == FieldKind::Reference && !targets.insert(field.target).second)
+                ADD_FAILURE() << table->name << '.' << field.name;
+    }
+}
+
+TEST(Lookup, firstRowWithTheValues) {
+    CZor zor;
+    addRows(zor, "WindowsDisk Name=D Port=1; WindowsDisk Name=d Port=1; WindowsDisk Name=d Port=2 BusType=7");
+    const auto& disks = zor.m_vWindowsDisk;
+    EXPECT_EQ(FindByName(disks, "d"), disks[1]);
+    EXPECT_EQ(FindByName(disks, ""), nullptr);
+    EXPECT_EQ(FindBy(disks, &CWindowsDisk::getPort, 2, &CWindowsDisk::getName, "d"), disks[2]);
+    EXPECT_EQ(FindBy(disks, &CWindowsDisk::getPort, 2, &CWindowsDisk::getName, "D"), nullptr);
+    const auto isListed = [&](const CWindowsDisk& disk) {
+        return HasEqual(disks, disk, &CWindowsDisk::getName, &CWindowsDisk::getPort,
+                        &CWindowsDisk::getBusType);
+    };
+    CWindowsDisk other(*disks[2]);
+    other.setId(0);
+    EXPECT_TRUE(isListed(other));
+    other.setBusType(0);
+    EXPECT_FALSE(isListed(other));
+}
+
+TEST(Lookup, alongReferencesOwnerByOwnerAndEachTargetOnce) {
+    CZor zor;
+    addRows(zor, "WindowsDisk Id=1 Name=c; WindowsDisk Id=2 Name=d; WindowsPlex Id=1; WindowsPlex Id=2;"
+                 "WindowsRegion Name=r WindowsPlexId=2 WindowsDiskId=1; WindowsRegion Name=s WindowsPlexId=1;"
+                 "WindowsRegion Name=t WindowsPlexId=1 WindowsDiskId=2; WindowsRegion Name=u WindowsDiskId=2;"
+                 "WindowsRegion Name=v WindowsPlexId=2 WindowsDiskId=2");
+    const std::vector plexes = {zor.m_vWindowsPlex[0], zor.m_vWindowsPlex[1]};
+    const auto regions = FindReferring<CWindowsRegion>(zor, plexes);
+    EXPECT_EQ(asText(regions), "s t r v");
+    EXPECT_EQ(asText(FindReferred<CWindowsDisk>(zor, regions)), "d c");
+}
+
+} // namespace Zorvane
