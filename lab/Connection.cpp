@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lab/Connection.h"
+
+#include "ops/sendrecv.h"
+#include "suite/kvnclient.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+#include <sys/socket.h>
+
+namespace Zorvane {
+
+namespace {
+
+// The lines of the conversations are names and numbers.
+constexpr std::size_t MAX_LINE = 4096;
+// A document is read in pieces, so that a peer's word for its length costs nothing until the bytes are there.
+constexpr std::size_t PIECE = std::size_t{64} << 10;
+// What a peer may still have under way when its answer is complete: a document that was refused, for
+// instance.
+constexpr std::size_t MAX_LEFTOVER = std::size_t{16} << 20;
+constexpr std::chrono::seconds LEFTOVER_TIME{2};
+
+} // namespace
+
+void Connection::cut() {
+    ::shutdown(descriptor(), SHUT_RDWR);
+}
+
+std::optional<std::string> Connection::readLine() {
+    std::array<char, MAX_LINE + 2> buffer; // the line feed and the NUL
+    const int length = get_string(descriptor(), buffer.data(), static_cast<int>(buffer.size()), 0, "");
+    if (length <= 0 || buffer[length - 1] != '\n')
+        return std::nullopt;
+    return std::string(buffer.data(), static_cast<std::size_t>(length) - 1);
+}
+
+std::optional<std::string> Connection::read(std::size_t count) {
+    std::string bytes;
+    while (bytes.size() < count) {
+        const std::size_t piece = std::min(PIECE, count - bytes.size());
+        bytes.resize(bytes.size() + piece);
+        if (ReadN(descriptor(), bytes.data() + bytes.size() - piece, static_cast<int>(piece)) !=
+            static_cast<int>(piece))
+            return std::nullopt;
+    }
+    return bytes;
+}
+
+bool Connection::readToEnd(std::string& bytes, std::size_t most) {
+    std::array<char, 4096> piece;
+    ssize_t count = 0;
+    while ((count = ::recv(descriptor(), piece.data(), piece.size(), 0)) > 0 ||
+           (count < 0 && errno == EINTR)) {
+        if (count > 0)
+            bytes.append(piece.data(), static_cast<std::size_t>(count));
+        if (bytes.size() > most) {
+            bytes.resize(most);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Connection::write(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::send(descriptor(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (count < 0 && errno != EINTR)
+            return false;
+        bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    return true;
+}
+
+void Connection::waitForPeer() {
+    m_deadline = NEVER;
+    std::array<char, 4096> ignored;
+    while (::recv(descriptor(), ignored.data(), ignored.size(), 0) > 0) {
+    }
+}
+
+void Connection::finish() {
+    allow(LEFTOVER_TIME);
+    ::shutdown(descriptor(), SHUT_WR);
+    std::string leftover;
+    readToEnd(leftover, MAX_LEFTOVER);
+}
+
+} // namespace Zorvane

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+// One accepted connection, as the thread that serves it sees it: blocking calls under a time limit.
+#pragma once
+
+#include "suite/descriptor.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Zorvane {
+
+class Connection {
+  public:
+    using Clock = std::chrono::steady_clock;
+
+    /// Takes the descriptor over. There is no time limit until allow() sets one.
+    explicit Connection(int descriptor) : m_descriptor(descriptor) {}
+
+    [[nodiscard]] int descriptor() const { return m_descriptor.get(); }
+
+    /// What follows has this long in all, however it is split up; the calls fail behind it. Whoever watches
+    /// the connection sees to it (the calls themselves would wait for a byte without end).
+    void allow(std::chrono::milliseconds time) {
+        m_deadline = (Clock::now() + time).time_since_epoch().count();
+    }
+    [[nodiscard]] bool isOverdue(Clock::time_point now) const {
+        return now.time_since_epoch().count() > m_deadline;
+    }
+    /// Makes every call fail from now on. The one operation for other threads than the one that serves.
+    void cut();
+
+    /// A line without its line feed; nothing at the end of the stream or if it is longer than a line may be.
+    std::optional<std::string> readLine();
+    /// Exactly that many bytes, or nothing.
+    std::optional<std::string> read(std::size_t count);
+    /// What comes until the end of the stream, but no more than that; false if there was more.
+    bool readToEnd(std::string& bytes, std::size_t most);
+    bool write(std::string_view bytes);
+    /// Waits for the end of the stream, however long it takes.
+    void waitForPeer();
+    /// Ends the answer and waits a moment for the peer to take it: a connection that is closed with unread
+    /// input loses what was sent last.
+    void finish();
+
+  private:
+    static constexpr Clock::rep NEVER = Clock::duration::max().count();
+
+    Suite::Descriptor m_descriptor;
+    std::atomic<Clock::rep> m_deadline = NEVER;
+};
+
+} // namespace Zorvane

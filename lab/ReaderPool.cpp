@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lab/ReaderPool.h"
+
+#include "lab/clauses.h"
+
+namespace Zorvane {
+
+namespace {
+
+// A connection costs two descriptors and the schema's half a megabyte: clients wait for one rather than
+// exhaust those.
+constexpr std::size_t MAX_READERS = 16;
+
+} // namespace
+
+ReaderPool::Reader ReaderPool::take() {
+    {
+        std::unique_lock lock(m_lock);
+        m_returned.wait(lock, [this] { return m_out < MAX_READERS; });
+        ++m_out;
+        if (!m_idle.empty()) {
+            Reader reader(m_idle.back().release(), Return{this});
+            m_idle.pop_back();
+            return reader;
+        }
+    }
+    try {
+        auto made = std::make_unique<Database>(m_file);
+        restrictToReading(*made);
+        return {made.release(), Return{this}};
+    } catch (...) {
+        give(nullptr);
+        throw;
+    }
+}
+
+void ReaderPool::give(std::unique_ptr<Database> database) {
+    {
+        const std::lock_guard lock(m_lock);
+        --m_out;
+        if (database)
+            m_idle.push_back(std::move(database));
+    }
+    m_returned.notify_one();
+}
+
+} // namespace Zorvane

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lab/RequestBudget.h"
+
+#include "lab/RequestError.h"
+#include "lab/Store.h"
+
+#include <ctime>
+
+#include <sqlite3.h>
+
+namespace Zorvane {
+
+namespace {
+
+// Steps of SQLite's machine between two looks at the clock: some tenths of a millisecond.
+constexpr int STEPS_PER_LOOK = 10'000;
+
+std::chrono::nanoseconds processorTime() {
+    timespec now{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
+}
+
+} // namespace
+
+RequestBudget::RequestBudget(Database& database, std::chrono::nanoseconds time, std::size_t bytes)
+    : m_database(database), m_deadline(processorTime() + time), m_bytesLeft(bytes) {
+    sqlite3_progress_handler(database.handle(), STEPS_PER_LOOK, isSpent, this);
+}
+
+RequestBudget::~RequestBudget() {
+    sqlite3_progress_handler(m_database.handle(), 0, nullptr, nullptr);
+}
+
+void RequestBudget::takeBytes(std::size_t bytes) {
+    if (bytes > m_bytesLeft)
+        throw RequestError(STORE_TOO_MUCH, "the reply would be too long");
+    m_bytesLeft -= bytes;
+}
+
+int RequestBudget::isSpent(void* self) {
+    return processorTime() > static_cast<const RequestBudget*>(self)->m_deadline ? 1 : 0;
+}
+
+} // namespace Zorvane

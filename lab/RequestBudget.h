@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+// What one request may take of the machine while it reads.
+#pragma once
+
+#include "lab/Database.h"
+
+#include <chrono>
+#include <cstddef>
+
+namespace Zorvane {
+
+/// Stands for the length of a request on a connection: statements that run on this thread end with a
+/// DatabaseError whose isLimit() is true once the processor time is used up. Processor time, so that a busy
+/// machine refuses no query.
+class RequestBudget {
+  public:
+    RequestBudget(Database& database, std::chrono::nanoseconds time, std::size_t bytes);
+    RequestBudget(const RequestBudget&) = delete;
+    RequestBudget& operator=(const RequestBudget&) = delete;
+    ~RequestBudget();
+
+    /// Throws RequestError when the rows have become too many.
+    void takeBytes(std::size_t bytes);
+
+  private:
+    static int isSpent(void* self);
+
+    Database& m_database;
+    std::chrono::nanoseconds m_deadline;
+    std::size_t m_bytesLeft;
+};
+
+} // namespace Zorvane

@@ -1,0 +1,325 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lab/Store.h"
+
+#include "lab/ReaderPool.h"
+#include "lab/RequestError.h"
+#include "lab/Writer.h"
+#include "lab/clauses.h"
+#include "lab/jobs.h"
+#include "lab/numbering.h"
+#include "lab/rows.h"
+#include "lab/tree.h"
+
+#include <algorithm>
+
+namespace Zorvane {
+
+class Store::Impl {
+  public:
+    Impl(const std::filesystem::path& file, StoreLimits storeLimits)
+        : limits(storeLimits), writer(file), readers(file) {}
+
+    const StoreLimits limits;
+    Writer writer; // first: it makes the schema
+    ReaderPool readers;
+};
+
+namespace {
+
+constexpr std::chrono::nanoseconds NO_TIME_LIMIT = std::chrono::hours(24);
+constexpr std::size_t NO_SIZE_LIMIT = std::numeric_limits<std::size_t>::max();
+
+constexpr const char* BY_ID = " WHERE Id=?1";
+constexpr const char* IN_ORDER = " ORDER BY Id";
+
+bool isAny(const BaseTable&) {
+    return true;
+}
+bool isNew(const BaseTable& row) {
+    return !row.isFromDb();
+}
+bool isOld(const BaseTable& row) {
+    return row.isFromDb();
+}
+
+// Runs an operation up to its result: whatever stands against it becomes a status.
+template <class Operation>
+StoreResult answer(const Operation& operation) {
+    try {
+        return {STORE_OK, operation(), {}};
+    } catch (const RequestError& error) {
+        return {error.status(), {}, error.what()};
+    } catch (const DatabaseError& error) {
+        return {error.isLimit() ? STORE_TOO_MUCH : STORE_FAILED, {}, error.what()};
+    } catch (const std::exception& error) {
+        return {STORE_FAILED, {}, error.what()};
+    } catch (...) {
+        return {STORE_FAILED, {}, "the XML library failed"};
+    }
+}
+
+const std::vector<unsigned char> NO_REPLY;
+
+// The changes of one request, read from its documents before the writer's turn.
+class Changes {
+  public:
+    void readInserts(Store::Document document) {
+        readDocument(document, m_inserted, isNew);
+        forEachRow(m_inserted,
+                   [this](const TableDescriptor& table, BaseTable& row) { m_insertion.add(table, row); });
+        m_insertion.connectAll();
+    }
+    /// Behind the inserts: updated rows may refer to inserted ones.
+    void readUpdates(Store::Document document) {
+        readDocument(document, m_updated, isOld);
+        forEachRow(m_updated,
+                   [this](const TableDescriptor& table, BaseTable& row) { m_insertion.connect(table, row); });
+    }
+    void readDeletes(Store::Document document) { readDocument(document, m_deleted, isOld); }
+
+    void run(Database& database) {
+        m_insertion.run(database);
+        forEachRow(m_updated, [&](const TableDescriptor& table, const BaseTable& row) {
+            if (!updateRow(database, table, row))
+                throw RequestError(STORE_NO_SUCH_ROW, std::string(table.tableName) + " has no row " +
+                                                          std::to_string(row.getId()) + " to update");
+        });
+        forEachRow(m_deleted, [&](const TableDescriptor& table, const BaseTable& row) {
+            deleteRow(database, table, row.getId());
+        });
+    }
+
+    /// The inserted rows as they are in the database.
+    std::vector<unsigned char> reply() {
+        forEachRow(m_inserted, markFromDb);
+        return writeDocument(m_inserted);
+    }
+
+  private:
+    CZor m_inserted;
+    CZor m_updated;
+    CZor m_deleted;
+    Insertion m_insertion{Insertion::Mode::MadeUpOnly};
+};
+
+void moveRows(CZor& from, CZor& to) {
+    for (const VectorDescriptor& vector : allVectors()) {
+        auto& source = vector.rows(from).records();
+        auto& target = vector.rows(to).records();
+        target.insert(target.end(), source.begin(), source.end());
+        source.clear();
+    }
+}
+
+template <class Record>
+void dropRows(RecordRows<Record>& rows) {
+    for (const Record* row : rows)
+        delete row;
+    rows.clear();
+}
+
+template <class Record>
+std::optional<Record> first(const std::vector<Record>& found) {
+    return found.empty() ? std::nullopt : std::optional<Record>(found.front());
+}
+
+std::string sameText(const char* column, int parameter) {
+    return std::string("lower(") + column + ")=lower(?" + std::to_string(parameter) + ')';
+}
+
+void answerQuery(Database& database, const CQueryRequest& query, RequestBudget& budget, CZor& reply) {
+    if (query.getTreeId() == 0) {
+        selectByClauses(database, query, budget, reply);
+        return;
+    }
+    const std::string& name = query.getTableClause();
+    const auto tables = allTables();
+    const auto table = std::find_if(tables.begin(), tables.end(),
+                                    [&](const TableDescriptor* each) { return each->tableName == name; });
+    if (table == tables.end())
+        throw RequestError(STORE_BAD_QUERY, "a tree of an unknown table: " + name);
+    selectTree(database, **table, query.getTreeId(), budget, reply);
+}
+
+} // namespace
+
+Store::Store(const std::filesystem::path& file, StoreLimits limits)
+    : m_impl(std::make_unique<Impl>(file, limits)) {}
+
+Store::~Store() = default;
+
+StoreResult Store::query(Document document) const {
+    return answer([&] {
+        CZor request;
+        readDocument(document, request, isAny);
+        CZor reply;
+        {
+            const auto reader = m_impl->readers.take();
+            RequestBudget budget(*reader, m_impl->limits.clauseTime, m_impl->limits.replyBytes);
+            const Transaction snapshot(*reader, Transaction::Kind::Read);
+            for (const CQueryRequest* query : request.m_vQueryRequest) {
+                CZor part;
+                answerQuery(*reader, *query, budget, part);
+                moveRows(part, reply);
+            }
+        }
+        return writeDocument(reply);
+    });
+}
+
+StoreResult Store::insert(Document document) {
+    return answer([&] {
+        Changes changes;
+        changes.readInserts(document);
+        m_impl->writer.run([&](Database& database) { changes.run(database); });
+        return changes.reply();
+    });
+}
+
+StoreResult Store::update(Document document) {
+    return answer([&] {
+        Changes changes;
+        changes.readUpdates(document);
+        m_impl->writer.run([&](Database& database) { changes.run(database); });
+        return NO_REPLY;
+    });
+}
+
+StoreResult Store::del(Document document) {
+    return answer([&] {
+        Changes changes;
+        changes.readDeletes(document);
+        m_impl->writer.run([&](Database& database) { changes.run(database); });
+        return NO_REPLY;
+    });
+}
+
+StoreResult Store::transaction(Document document) {
+    return answer([&] {
+        CZor envelope;
+        readDocument(document, envelope, isAny);
+        const auto& requests = envelope.m_vTransactionRequest;
+        if (requests.size() != 1)
+            throw RequestError(STORE_BAD_DOCUMENT, "the document holds " + std::to_string(requests.size()) +
+                                                       " transaction requests, not one");
+        const CTransactionRequest& request = *requests.front();
+        Changes changes;
+        if (request.getInsertXmlLength() > 0)
+            changes.readInserts({request.getInsertXml(), request.getInsertXmlLength()});
+        if (request.getUpdateXmlLength() > 0)
+            changes.readUpdates({request.getUpdateXml(), request.getUpdateXmlLength()});
+        if (request.getDeleteXmlLength() > 0)
+            changes.readDeletes({request.getDeleteXml(), request.getDeleteXmlLength()});
+        m_impl->writer.run([&](Database& database) { changes.run(database); });
+        return changes.reply();
+    });
+}
+
+StoreResult Store::load(CZor& configuration) {
+    std::size_t cleared = 0;
+    StoreResult result = answer([&] {
+        Insertion insertion(Insertion::Mode::Whole);
+        forEachRow(configuration,
+                   [&](const TableDescriptor& table, BaseTable& row) { insertion.add(table, row); });
+        insertion.connectAll();
+        m_impl->writer.run([&](Database& database) { insertion.run(database); });
+        forEachRow(configuration, markFromDb);
+        cleared = insertion.clearedReferences();
+        return NO_REPLY;
+    });
+    if (cleared > 0)
+        result.text = std::to_string(cleared) + " references to rows outside the document were set to 0";
+    return result;
+}
+
+StoreResult Store::exportTree(const std::string& client, const std::string& configuration, CZor& tree) const {
+    return answer([&] {
+        const auto reader = m_impl->readers.take();
+        RequestBudget budget(*reader, NO_TIME_LIMIT, NO_SIZE_LIMIT);
+        const Transaction snapshot(*reader, Transaction::Kind::Read);
+        const auto found = selectRecords<CConfig>(*reader,
+                                                  " WHERE " + sameText("ClientName", 1) + " AND (?2='' OR " +
+                                                      sameText("Name", 2) + ") ORDER BY Id DESC LIMIT 1",
+                                                  client, configuration);
+        if (found.empty())
+            throw RequestError(STORE_NO_SUCH_ROW,
+                               "client " + client + " has no configuration " + configuration);
+        CZor part;
+        selectTree(*reader, CConfig::table(), found.front().getId(), budget, part);
+        // A job belongs to this lab: loaded elsewhere it would run again.
+        dropRows(part.m_vP2VRestoreTask);
+        dropRows(part.m_vDiskToDataStoreMap);
+        moveRows(part, tree);
+        return NO_REPLY;
+    });
+}
+
+std::vector<CConfig> Store::configurations() const {
+    return selectRecords<CConfig>(*m_impl->readers.take(), IN_ORDER);
+}
+
+std::optional<CP2VRestoreTask> Store::findTask(ID id) const {
+    return first(selectRecords<CP2VRestoreTask>(*m_impl->readers.take(), BY_ID, id));
+}
+
+std::optional<CVmwareProfileOptions> Store::findProfile(ID id) const {
+    return first(selectRecords<CVmwareProfileOptions>(*m_impl->readers.take(), BY_ID, id));
+}
+
+std::optional<CVmwareProfileOptions> Store::findProfile(const std::string& name) const {
+    return first(selectRecords<CVmwareProfileOptions>(*m_impl->readers.take(),
+                                                      " WHERE " + sameText("ProfileName", 1), name));
+}
+
+StoreResult Store::deleteProfile(const std::string& name) {
+    return answer([&] {
+        const std::string condition = " WHERE " + sameText("ProfileName", 1);
+        m_impl->writer.run([&](Database& database) {
+            if (!selectRecords<CP2VRestoreTask>(database, condition, name).empty())
+                throw RequestError(STORE_IN_USE, "a task uses the profile " + name);
+            const auto profiles = selectRecords<CVmwareProfileOptions>(database, condition, name);
+            if (profiles.empty())
+                throw RequestError(STORE_NO_SUCH_ROW, "no profile " + name);
+            for (const CVmwareProfileOptions& profile : profiles)
+                deleteRow(database, CVmwareProfileOptions::table(), profile.getId());
+        });
+        return NO_REPLY;
+    });
+}
+
+std::vector<CP2VRestoreTask> Store::tasks() const {
+    return selectRecords<CP2VRestoreTask>(*m_impl->readers.take(), IN_ORDER);
+}
+
+std::vector<CP2VRestoreTaskLog> Store::taskLogs() const {
+    return selectRecords<CP2VRestoreTaskLog>(*m_impl->readers.take(), IN_ORDER);
+}
+
+StoreResult Store::submitTask(ID id) {
+    return answer([&] {
+        m_impl->writer.run([&](Database& database) {
+            if (!Zorvane::submitTask(database, id))
+                throw RequestError(STORE_NO_SUCH_ROW, "no task " + std::to_string(id));
+        });
+        return NO_REPLY;
+    });
+}
+
+std::vector<ID> Store::submittedTasks() const {
+    std::vector<ID> ids;
+    m_impl->writer.run([&](Database& database) { ids = Zorvane::submittedTasks(database); });
+    return ids;
+}
+
+std::vector<ID> Store::advanceTasks(const std::vector<ID>& ids) {
+    std::vector<ID> left;
+    m_impl->writer.run([&](Database& database) {
+        left.clear();
+        for (const ID id : ids)
+            if (advanceTask(database, id))
+                left.push_back(id);
+    });
+    return left;
+}
+
+} // namespace Zorvane

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: Apache-2.0
+// One exchange of the recovery daemons zord and zorbd, the daemon's side: the opening, the version check, one
+// request.
+#pragma once
+
+#include "lab/Connection.h"
+#include "lab/Lab.h"
+#include "ops/packets.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Zorvane {
+
+class ZordSession {
+  public:
+    ZordSession(Lab& lab, Connection& connection, std::string service)
+        : m_lab(lab), m_connection(connection), m_service(std::move(service)) {}
+
+    /// Serves the connection to its end.
+    void run();
+
+  private:
+    bool open();
+    void answer(AnyPacket& packet);
+    void database(const DbRequest& request);
+    void sendRows(const StoreResult& result, std::optional<Failure> failure, bool withReply);
+    void method(const MethodExecute& request);
+
+    Lab& m_lab;
+    Connection& m_connection;
+    std::string m_service;
+};
+
+} // namespace Zorvane

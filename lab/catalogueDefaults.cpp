@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lab/Catalogue.h"
+#include "lab/tomlFile.h"
+#include "model/CZor.h"
+#include "model/core_records.h"
+#include "model/windows_records.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace Zorvane {
+
+namespace {
+
+constexpr std::int64_t DAY = 86400;
+constexpr const char* INCREMENTAL = "Incremental";
+
+// What a full backup of a Windows server holds, at all the levels of the client's software that are about.
+std::vector<std::string> windowsFiles(const std::string& systemRoot, bool bios) {
+    std::vector<std::string> files = {
+        "/C/Windows/explorer.exe",
+        "/C/Users/Public/Documents/readme.txt",
+        "/Shadow Copy Components/System State/Registry/Registry",
+        "/Shadow Copy Components/System State/System Files/System Files",
+        "/Shadow Copy Components/System Service/Windows Management Instrumentation/WMI",
+        "/System State/Registry/Registry",
+        "/System State/System Files/System Files",
+        "/System State/_SharedHardlinkData_/Shared Hardlink Data",
+        "/System State/COM+ Class Registration Database/COM+ REGDB",
+        "/System_State/Registry/system",
+        "/System_State/Boot_Files/Protected_Files/" + systemRoot + "/ntoskrnl.exe",
+    };
+    files.emplace_back(bios ? "/System State/Automated System Recovery/BCD/BCD"
+                            : "/EFI System Partition/EFI/Microsoft/Boot/BCD");
+    return files;
+}
+
+std::vector<std::string> unixFiles(const std::string& dataPath) {
+    return {"/etc/fstab",
+            "/etc/hosts",
+            "/etc/passwd",
+            "/usr/bin/bash",
+            "/usr/lib/locale/C.utf8/LC_CTYPE",
+            dataPath + "/config.xml"};
+}
+
+void appendImage(std::string& text, const std::string& policy, const char* schedule, std::int64_t time,
+                 const std::vector<std::string>& files) {
+    text += "\n  [[client.image]]\n  policy = " + tomlQuoted(policy) + "\n  schedule = \"" + schedule +
+            "\"\n  time = " + std::to_string(time) + "\n  files = [\n";
+    for (const std::string& file : files)
+        text += "    " + tomlQuoted(file) + ",\n";
+    text += "  ]\n";
+}
+
+} // namespace
+
+std::string catalogueEntry(const CZor& configuration) {
+    const CConfig* config = configuration.m_vConfig.first();
+    const CEsm* esm = configuration.m_vEsm.first();
+    const CSystem* system = configuration.m_vSystem.first();
+    if (!config || !esm || !system || esm->getNodeName().empty())
+        return {};
+    const bool windows = system->getOs() == OsType::NT;
+    const std::string policy = esm->getPolicy().empty() ? "Daily" : esm->getPolicy();
+    // Clients look for images up to the moment at which the configuration was taken.
+    const std::int64_t taken =
+        config->getRetrievalTime() > 0 ? config->getRetrievalTime() : std::time(nullptr);
+
+    std::vector<std::string> files;
+    if (windows) {
+        const CWindowsSystem* details = configuration.m_vWindowsSystem.first();
+        std::string root = details ? details->getSystemRoot() : "C:/Windows";
+        std::ranges::replace(root, '\\', '/');
+        files = windowsFiles(root, system->getFirmware() == FirmwareType::BIOS);
+    } else {
+        files = unixFiles(system->getZorDirectory() + "client/data");
+    }
+    std::string text = "\n[[client]]\nname = " + tomlQuoted(esm->getNodeName()) +
+                       "\ntype = " + std::to_string(windows ? CATALOGUE_WINDOWS : CATALOGUE_STANDARD) + "\n";
+    // A client whose schedule makes incremental backups only has no full image to be converted from.
+    const char* const full = esm->getBscheduleType() == INCREMENTAL ? INCREMENTAL : "Full";
+    appendImage(text, policy, full, taken - 600, files);
+    appendImage(text, policy, INCREMENTAL, taken - DAY, {files.front()});
+    appendImage(text, policy, full, taken - 7 * DAY, files);
+    return text;
+}
+
+} // namespace Zorvane

@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lab/commandLine.h"
+
+#include "lab/LabDirectory.h"
+#include "lab/LabError.h"
+#include "lab/Store.h"
+#include "lab/configurationFiles.h"
+#include "lab/jobReport.h"
+#include "lab/serveLab.h"
+#include "suite/printable.h"
+
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace Zorvane {
+
+namespace {
+
+constexpr int EXIT_FAILED = 1;
+constexpr int EXIT_BAD_COMMAND_LINE = 2;
+
+constexpr double MAX_JOB_SECONDS = 86400;
+
+constexpr const char* EXITS =
+    "Exit status: 0 done; 1 the command failed, and standard error says why; 2 the command "
+    "line makes no sense.";
+
+// What all commands together take.
+struct Options {
+    std::string directory;
+    InitOptions init;
+    std::string samples;
+    ServeOptions serve;
+    std::vector<std::string> rules;
+    double jobSeconds = 5;
+    std::vector<std::string> files;
+    std::string client;
+    std::string configuration;
+};
+
+CLI::App* addCommand(CLI::App& app, const char* name, const char* purpose, Options& options) {
+    CLI::App* command = app.add_subcommand(name, purpose);
+    command->add_option("DIR", options.directory, "the lab's directory")->required();
+    command->footer(EXITS);
+    return command;
+}
+
+// Empty, or what is wrong with the rule.
+std::string ruleComplaint(const std::string& rule) {
+    try {
+        parseFailRule(rule);
+        return {};
+    } catch (const LabError& failure) {
+        return failure.what();
+    }
+}
+
+void addInit(CLI::App& app, Options& options) {
+    CLI::App* command = addCommand(app, "init", "Make a lab directory with the sample clients.", options);
+    command->add_flag("--force", options.init.force, "replace a lab that stands there");
+    command
+        ->add_option("--base-port", options.init.basePort,
+                     "the first of three ports in a row; else three free ones")
+        ->check(CLI::Range(1, 65533));
+    command->add_option("--samples", options.samples, "load the documents (*.xml) of this folder instead");
+    command->callback([&options] {
+        if (!options.samples.empty())
+            options.init.samples = options.samples;
+        initLab(LabDirectory(options.directory), options.init);
+    });
+}
+
+void addServe(CLI::App& app, Options& options) {
+    CLI::App* command = addCommand(app, "serve",
+                                   "Serve the lab until SIGTERM or SIGINT. \"ready\" on standard output "
+                                   "says that all ports listen.",
+                                   options);
+    command->add_option("--fail", options.rules, "let requests fail by this rule, see below; may be repeated")
+        ->type_name("RULE")
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(ruleComplaint, ""));
+    command->add_option("--job-seconds", options.jobSeconds, "how long a job stands in each of its states")
+        ->check(CLI::Range(0.0, MAX_JOB_SECONDS))
+        ->capture_default_str();
+    command
+        ->add_option("--listen", options.serve.address,
+                     "the address to listen on; mind that a lab asks nobody for a password")
+        ->capture_default_str();
+    command->add_flag("--trace", options.serve.trace, "write every request to DIR/requests.log");
+    command->footer("RULE is " + failRuleHelp() + "\n" + EXITS);
+    command->callback([&options] {
+        for (const std::string& rule : options.rules)
+            options.serve.failures.push_back(parseFailRule(rule));
+        options.serve.pace = std::chrono::milliseconds(static_cast<std::int64_t>(options.jobSeconds * 1000));
+        serveLab(LabDirectory(options.directory), options.serve);
+    });
+}
+
+// A command on the database of a lab.
+template <class Run>
+void onStore(CLI::App* command, Options& options, Run run) {
+    command->callback([&options, run] {
+        const LabDirectory directory(options.directory);
+        directory.mustExist();
+        Store store(directory.database());
+        run(store, options);
+    });
+}
+
+void addDatabaseCommands(CLI::App& app, Options& options) {
+    CLI::App* load = addCommand(app, "load", "Load clients' configurations, as new ones.", options);
+    load->add_option("FILE", options.files, "the documents")->required();
+    onStore(load, options, [](Store& store, const Options& given) {
+        for (const std::string& file : given.files) {
+            CZor rows;
+            loadConfiguration(store, file, rows);
+        }
+    });
+
+    CLI::App* write =
+        addCommand(app, "export", "Write a configuration's document on standard output.", options);
+    write->add_option("CLIENT", options.client, "the client")->required();
+    write->add_option("CONFIG", options.configuration, "the configuration; else the client's latest");
+    onStore(write, options, [](Store& store, const Options& given) {
+        std::cout << exportConfiguration(store, given.client, given.configuration);
+    });
+
+    CLI::App* jobs = addCommand(app, "jobs", "List the submitted jobs and their states.", options);
+    onStore(jobs, options, [](Store& store, const Options&) { std::cout << jobReport(store); });
+}
+
+} // namespace
+
+int runZorlab(int argc, char** argv) {
+    Options options;
+    CLI::App app(
+        "Plays the recovery daemons, the request daemon and the backup catalogue of a suite on one machine, "
+        "for demos, rehearsal, training and tests. It is no recovery product.",
+        "zorlab");
+    app.require_subcommand(1);
+    app.footer(EXITS);
+    addInit(app, options);
+    addServe(app, options);
+    addDatabaseCommands(app, options);
+    try {
+        app.parse(argc, argv);
+        std::cout.flush();
+        if (!std::cout)
+            throw LabError("standard output can't be written");
+        return 0;
+    } catch (const CLI::ParseError& failure) {
+        return app.exit(failure) == 0 ? 0 : EXIT_BAD_COMMAND_LINE;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "zorlab: %s\n", Suite::printable(failure.what()).c_str());
+        return EXIT_FAILED;
+    }
+}
+
+} // namespace Zorvane

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lab/configurationFiles.h"
+
+#include "lab/LabError.h"
+#include "lab/Store.h"
+#include "suite/printable.h"
+
+#include <iostream>
+
+namespace Zorvane {
+
+namespace {
+
+// What a document of one client may be: far more than any has, and far less than memory.
+constexpr std::uintmax_t MAX_DOCUMENT_SIZE = std::uintmax_t{256} << 20;
+
+} // namespace
+
+void loadConfiguration(Store& store, const std::filesystem::path& file, CZor& rows) {
+    const auto refuse = [&file](const std::string& why) {
+        throw LabError(file.string() + ": " + Suite::printable(why));
+    };
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error))
+        refuse(error ? error.message() : "not a file");
+    if (std::filesystem::file_size(file) > MAX_DOCUMENT_SIZE)
+        refuse("too large for a configuration's document");
+
+    std::string name = file.string();
+    if (rows.readXml(name) != 0)
+        refuse("no document of a configuration; \"zorlab export\" writes one");
+    const CConfig* config = rows.m_vConfig.first();
+    if (!config)
+        refuse("the document has no Config row, so it is no configuration");
+    if (const StoreResult result = store.load(rows); !result.ok())
+        refuse("the database refused it: " + result.text);
+    std::cout << "loaded client " << Suite::printable(config->getClientName()) << ", configuration "
+              << Suite::printable(config->getName()) << "\n";
+}
+
+std::string exportConfiguration(const Store& store, const std::string& client,
+                                const std::string& configuration) {
+    CZor rows;
+    if (const StoreResult result = store.exportTree(client, configuration, rows); !result.ok())
+        throw LabError("client \"" + client + "\"" +
+                       (configuration.empty() ? "" : ", configuration \"" + configuration + "\"") + ": " +
+                       Suite::printable(result.text));
+    unsigned char* xml = nullptr;
+    int length = 0;
+    rows.writeXml(&xml, &length);
+    const std::unique_ptr<unsigned char[]> owner(xml);
+    return std::string(reinterpret_cast<const char*>(xml), static_cast<std::size_t>(length));
+}
+
+} // namespace Zorvane

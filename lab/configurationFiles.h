@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+// Clients' configurations between files and the recovery database.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace Zorvane {
+
+class CZor;
+class Store;
+
+/// Puts a document's rows into the database as new ones, and tells the configuration's name on standard
+/// output. The rows are
+/// added to the container. LabError, with the file's name, if it is no document of a configuration or if the database refuses
+/// it.
+void loadConfiguration(Store& store, const std::filesystem::path& file, CZor& rows);
+
+/// The document of a configuration; an empty name means the client's latest. LabError if there is none.
+std::string exportConfiguration(const Store& store, const std::string& client,
+                                const std::string& configuration);
+
+} // namespace Zorvane

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lab/Catalogue.h"
+#include "lab/LabDirectory.h"
+#include "lab/LabError.h"
+#include "lab/Store.h"
+#include "lab/configurationFiles.h"
+#include "lab/defaultInventory.h"
+#include "lab/tomlFile.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <iostream>
+#include <random>
+#include <vector>
+
+#include <asio.hpp>
+
+namespace Zorvane {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* INSTALLED_SHARE = "/usr/tarnv/share";
+
+constexpr int FIRST_FREE_PORT = 12000;
+constexpr int LAST_FREE_PORT = 32000;
+constexpr int PORT_ATTEMPTS = 200;
+
+constexpr std::string_view CATALOGUE_HEAD =
+    R"toml(# The backup catalogue of this lab: what kvnclimagelist and kvnlist answer. "zorlab serve" reads this file when it
+# starts.
+#
+# type is 13 for a Windows client and 0 for all others. schedule "Full" makes a full image; policy and schedule are
+# single words. time is a date and time (2026-11-22T22:00:00Z) or seconds since 1970. A client with status = 192, 193
+# or 116 answers every command with that status, as a catalogue does that can't be read.
+)toml";
+
+// A folder of what is shipped: beside the program's folder in a build tree and in an installation of its own,
+// else where the suite has it.
+fs::path shipped(const char* name) {
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    const fs::path beside = program.parent_path().parent_path() / "share" / name;
+    return !error && fs::exists(beside) ? beside : fs::path(INSTALLED_SHARE) / name;
+}
+
+void write(const fs::path& file, const std::string& text) {
+    std::ofstream out(file, std::ios::trunc);
+    out << text;
+    if (!out.flush())
+        throw LabError("cannot write " + file.string());
+}
+
+bool isFree(int port) {
+    using asio::ip::tcp;
+    asio::io_context io;
+    asio::error_code error;
+    tcp::acceptor acceptor(io, tcp::v4());
+    acceptor.bind({asio::ip::address_v4::loopback(), static_cast<std::uint16_t>(port)}, error);
+    return !error;
+}
+
+LabPorts choosePorts(std::optional<std::uint16_t> base) {
+    if (base) {
+        if (*base > 65533)
+            throw LabError("--base-port " + std::to_string(*base) +
+                           " leaves no room for three ports; 65533 is the last");
+        return {*base, static_cast<std::uint16_t>(*base + 1), static_cast<std::uint16_t>(*base + 2)};
+    }
+    // Below the range that the kernel gives out itself, so that nobody's outgoing connection has taken one of
+    // them when the lab is served; by chance, so that labs that are made at the same time differ.
+    std::random_device seed;
+    std::uniform_int_distribution<int> first(FIRST_FREE_PORT, LAST_FREE_PORT - 2);
+    for (int attempt = 0; attempt < PORT_ATTEMPTS; ++attempt) {
+        const auto port = static_cast<std::uint16_t>(first(seed));
+        if (isFree(port) && isFree(port + 1) && isFree(port + 2))
+            return choosePorts(port);
+    }
+    throw LabError("no three free ports in a row were found; name the first with --base-port");
+}
+
+std::string configurationText(const LabDirectory& directory, const LabPorts& ports) {
+    return "# The suite's configuration for this lab. Point clients at it: export KVN_CONF=" +
+           directory.configuration().string() +
+           "\n[master]\nservers = [\"localhost\"]\nclient_name = \"labhost\"\nquss = "
+           "\"prohibited\"\n\n[services]\nzord = " +
+           std::to_string(ports.zord) + "\nzorbd = " + std::to_string(ports.zorbd) +
+           "\nkvnrd = " + std::to_string(ports.kvnrd) +
+           "\n\n[logging]\ndirectory = " + tomlQuoted(directory.logs().string()) +
+           "\ndebug = 1\ndiag = 1\n\n[catalog]\ndirectory = " + tomlQuoted(shipped("locale").string()) + "\n";
+}
+
+std::vector<fs::path> documentsIn(const fs::path& folder) {
+    std::vector<fs::path> files;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(folder, error))
+        if (entry.path().extension() == ".xml")
+            files.push_back(entry.path());
+    if (error)
+        throw LabError("cannot read the sample clients in " + folder.string() + ": " + error.message() +
+                       "; name their folder with --samples");
+    std::ranges::sort(files);
+    return files;
+}
+
+// A lab that stands there stays unless it is to be replaced; other files in the directory are none of ours.
+void clear(const LabDirectory& directory, bool force) {
+    const std::string database = directory.database().string();
+    const std::array<fs::path, 8> files = {
+        directory.configuration(), directory.inventory(), directory.catalogue(),
+        directory.requestLog(),    directory.received(),  database,
+        database + "-wal",         database + "-shm",
+    };
+    if (!force && std::ranges::any_of(files, [](const fs::path& file) { return fs::exists(file); }))
+        throw LabError(directory.path().string() + " holds a lab already; replace it with --force");
+    for (const fs::path& file : files)
+        fs::remove_all(file);
+}
+
+} // namespace
+
+void initLab(const LabDirectory& directory, const InitOptions& options) {
+    const std::vector<fs::path> documents = documentsIn(options.samples.value_or(shipped("samples")));
+    const LabPorts ports = choosePorts(options.basePort);
+    try {
+        clear(directory, options.force);
+        fs::create_directories(directory.logs());
+    } catch (const fs::filesystem_error& failure) {
+        throw LabError("cannot make the lab directory " + directory.path().string() + ": " +
+                       failure.code().message());
+    }
+    write(directory.inventory(), std::string(DEFAULT_INVENTORY));
+
+    Store store(directory.database());
+    std::string catalogue(CATALOGUE_HEAD);
+    for (const fs::path& document : documents) {
+        CZor rows;
+        loadConfiguration(store, document, rows);
+        catalogue += catalogueEntry(rows);
+    }
+    write(directory.catalogue(), catalogue);
+    // Last: with it the directory is a lab.
+    write(directory.configuration(), configurationText(directory, ports));
+    std::cout << "lab made in " << directory.path().string() << "; serve it with: zorlab serve "
+              << directory.path().string()
+              << "\nclients find it with: export KVN_CONF=" << directory.configuration().string() << "\n";
+}
+
+} // namespace Zorvane

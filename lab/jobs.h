@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+// Submitted tasks in the database: each operation works in the write transaction that is under way.
+#pragma once
+
+#include "lab/Database.h"
+#include "model/BaseTable.h"
+
+#include <vector>
+
+namespace Zorvane {
+
+/// False if there is no such task.
+bool submitTask(Database& database, ID id);
+std::vector<ID> submittedTasks(Database& database);
+/// Takes a submitted task a step further, the last one being its move to the log with its disk map. False if
+/// that was it, or if the task is gone.
+bool advanceTask(Database& database, ID id);
+
+} // namespace Zorvane
