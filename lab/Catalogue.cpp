@@ -4,7 +4,7 @@
 #include "lab/tomlFile.h"
 
 #include <algorithm>
-#include <limits>
+#include <functional>
 
 namespace Zorvane {
 

@@ -76,16 +76,21 @@ bool Connection::write(std::string_view bytes) {
 
 void Connection::waitForPeer() {
     m_deadline = NEVER;
-    std::array<char, 4096> ignored;
-    while (::recv(descriptor(), ignored.data(), ignored.size(), 0) > 0) {
-    }
+    discardToEnd();
 }
 
 void Connection::finish() {
     allow(LEFTOVER_TIME);
     ::shutdown(descriptor(), SHUT_WR);
-    std::string leftover;
-    readToEnd(leftover, MAX_LEFTOVER);
+    discardToEnd();
+}
+
+void Connection::discardToEnd() {
+    std::array<char, 4096> ignored;
+    ssize_t count = 0;
+    do
+        count = ::recv(descriptor(), ignored.data(), ignored.size(), 0);
+    while (count > 0 || (count < 0 && errno == EINTR));
 }
 
 } // namespace Zorvane

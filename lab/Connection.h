@@ -47,6 +47,8 @@ class Connection {
     void finish();
 
   private:
+    void discardToEnd();
+
     static constexpr Clock::rep NEVER = Clock::duration::max().count();
 
     Suite::Descriptor m_descriptor;

@@ -30,7 +30,8 @@ DatabaseError::DatabaseError(sqlite3* connection, std::string_view what)
       m_code(connection ? sqlite3_errcode(connection) : SQLITE_NOMEM) {}
 
 bool DatabaseError::isLimit() const {
-    return m_code == SQLITE_INTERRUPT || m_code == SQLITE_TOOBIG;
+    // A statement of too many instructions counts as one for which there is no memory.
+    return m_code == SQLITE_INTERRUPT || m_code == SQLITE_TOOBIG || m_code == SQLITE_NOMEM;
 }
 
 void Statement::Finalize::operator()(sqlite3_stmt* statement) const {
@@ -134,6 +135,7 @@ Database::Database(const std::filesystem::path& file) {
         throw DatabaseError(connection, "no connection to the database library");
     sqlite3_extended_result_codes(connection, 0);
     sqlite3_busy_timeout(connection, BUSY_TIMEOUT_MS);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_FKEY, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);

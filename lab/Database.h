@@ -87,7 +87,7 @@ using KeptStatement = std::unique_ptr<Statement, ResetStatement>;
 class Database {
   public:
     /// An in-memory connection to which the file is attached; the file is made, with mode 0600, if need be.
-    /// Throws DatabaseError.
+    /// Throws std::runtime_error.
     explicit Database(const std::filesystem::path& file);
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;

@@ -27,7 +27,8 @@ constexpr std::array EFFECTS = {
     EffectName{"type", FailEffect::Type,
                "answers with a packet of another type, or a document with another root"},
     EffectName{"long", FailEffect::Long, "answers with a packet as long as packets get"},
-    EffectName{"half", FailEffect::Half, "breaks off in the middle of the document"},
+    EffectName{"half", FailEffect::Half,
+               "breaks off in the middle of the document (a client of zord may then wait without end)"},
     EffectName{"empty", FailEffect::Empty, "answers with a document of no bytes"},
     EffectName{"notxml", FailEffect::NotXml, "answers with a document that is no XML"},
     EffectName{"entity", FailEffect::Entity, "answers with a document that holds an external entity"},
@@ -60,7 +61,8 @@ struct PointName {
 };
 
 constexpr std::array POINTS = {
-    PointName{"connect", FailPoint::Connect, LINE, INTEGER, "the service: zord, zorbd, kvnrd"},
+    PointName{"connect", FailPoint::Connect, LINE, INTEGER,
+              "the service: zord, zorbd, kvnrd (the recovery daemons have no status to give here)"},
     PointName{"version", FailPoint::Version, PACKET, BYTE, "the service: zord, zorbd"},
     PointName{"query", FailPoint::Query, PACKET | DOCUMENT, BYTE, "a table of the query: Config"},
     PointName{"tree", FailPoint::Tree, PACKET | DOCUMENT, BYTE, "the table: Config"},

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "lab/Catalogue.h"
+#include "lab/DocumentTurns.h"
 #include "lab/FailRules.h"
 #include "lab/Inventory.h"
 #include "lab/JobRunner.h"
@@ -32,6 +33,7 @@ struct Lab {
     RequestLog& log;
     std::filesystem::path received; ///< the folder for what clients send to keep; made when needed
     SessionLimits limits{};
+    DocumentTurns turns{};
 };
 
 } // namespace Zorvane

@@ -1,16 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/Store.h"
 
+#include "lab/Changes.h"
+#include "lab/Insertion.h"
 #include "lab/ReaderPool.h"
 #include "lab/RequestError.h"
 #include "lab/Writer.h"
 #include "lab/clauses.h"
 #include "lab/jobs.h"
-#include "lab/numbering.h"
 #include "lab/rows.h"
 #include "lab/tree.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Zorvane {
 
@@ -35,12 +37,6 @@ constexpr const char* IN_ORDER = " ORDER BY Id";
 bool isAny(const BaseTable&) {
     return true;
 }
-bool isNew(const BaseTable& row) {
-    return !row.isFromDb();
-}
-bool isOld(const BaseTable& row) {
-    return row.isFromDb();
-}
 
 // Runs an operation up to its result: whatever stands against it becomes a status.
 template <class Operation>
@@ -59,48 +55,6 @@ StoreResult answer(const Operation& operation) {
 }
 
 const std::vector<unsigned char> NO_REPLY;
-
-// The changes of one request, read from its documents before the writer's turn.
-class Changes {
-  public:
-    void readInserts(Store::Document document) {
-        readDocument(document, m_inserted, isNew);
-        forEachRow(m_inserted,
-                   [this](const TableDescriptor& table, BaseTable& row) { m_insertion.add(table, row); });
-        m_insertion.connectAll();
-    }
-    /// Behind the inserts: updated rows may refer to inserted ones.
-    void readUpdates(Store::Document document) {
-        readDocument(document, m_updated, isOld);
-        forEachRow(m_updated,
-                   [this](const TableDescriptor& table, BaseTable& row) { m_insertion.connect(table, row); });
-    }
-    void readDeletes(Store::Document document) { readDocument(document, m_deleted, isOld); }
-
-    void run(Database& database) {
-        m_insertion.run(database);
-        forEachRow(m_updated, [&](const TableDescriptor& table, const BaseTable& row) {
-            if (!updateRow(database, table, row))
-                throw RequestError(STORE_NO_SUCH_ROW, std::string(table.tableName) + " has no row " +
-                                                          std::to_string(row.getId()) + " to update");
-        });
-        forEachRow(m_deleted, [&](const TableDescriptor& table, const BaseTable& row) {
-            deleteRow(database, table, row.getId());
-        });
-    }
-
-    /// The inserted rows as they are in the database.
-    std::vector<unsigned char> reply() {
-        forEachRow(m_inserted, markFromDb);
-        return writeDocument(m_inserted);
-    }
-
-  private:
-    CZor m_inserted;
-    CZor m_updated;
-    CZor m_deleted;
-    Insertion m_insertion{Insertion::Mode::MadeUpOnly};
-};
 
 void moveRows(CZor& from, CZor& to) {
     for (const VectorDescriptor& vector : allVectors()) {

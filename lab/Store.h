@@ -47,14 +47,15 @@ struct StoreLimits {
     std::chrono::milliseconds clauseTime{2000};
     /// The rows of a reply, as they lie in the database; the document and its tree take some twenty times
     /// that.
-    std::size_t replyBytes = std::size_t{64} << 20;
+    std::size_t replyBytes = std::size_t{32} << 20;
 };
 
 class Store {
   public:
     using Document = std::span<const unsigned char>;
 
-    /// Opens the database, and makes it (mode 0600) or completes its schema if need be. Throws DatabaseError.
+    /// Opens the database, and makes it (mode 0600) or completes its schema if need be. Throws
+    /// std::runtime_error.
     explicit Store(const std::filesystem::path& file, StoreLimits limits = {});
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;

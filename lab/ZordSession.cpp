@@ -41,28 +41,6 @@ StoreResult runRequest(Store& store, int command, std::string_view document) {
     }
 }
 
-// Where the failures of a method can be asked for, and what a rule's detail names there.
-struct MethodPoint {
-    FailPoint point;
-    std::string detail;
-};
-
-std::optional<MethodPoint> pointOf(const MethodCall& call) {
-    const std::string command = call.parameter(0);
-    switch (call.operation) {
-    case ZOROP_DOB2V:
-        return MethodPoint{FailPoint::DoB2v, command};
-    case ZOROP_VERIFYB2V:
-        return MethodPoint{FailPoint::VerifyB2v, call.parameter(1)};
-    case ZOROP_DELETE:
-        return MethodPoint{FailPoint::DeleteProfile, call.parameter(1)};
-    case ZOROP_PREPARE:
-        return MethodPoint{FailPoint::Catalogue, command.substr(0, command.find(' '))};
-    default:
-        return std::nullopt;
-    }
-}
-
 std::string joined(const std::vector<std::string>& parameters) {
     std::string all;
     for (const std::string& parameter : parameters)
@@ -91,6 +69,7 @@ void sendMethodReply(Connection& connection, const MethodResult& result, bool wi
 void ZordSession::run() {
     m_connection.allow(m_lab.limits.opening);
     if (const auto failure = m_lab.failures.check(FailPoint::Connect, m_service)) {
+        m_lab.log.write({m_service, "connect", "", "", failureText(*failure)});
         answerBadly(m_connection, failure->effect, NO_PACKET);
     } else if (AnyPacket packet; open() && RecvPacket(m_connection.descriptor(), packet) > 0) {
         m_connection.allow(m_lab.limits.exchange);
@@ -131,21 +110,31 @@ void ZordSession::answer(AnyPacket& packet) {
 }
 
 void ZordSession::database(const DbRequest& request) {
-    if (request.byteCount < 0 || static_cast<std::size_t>(request.byteCount) > m_lab.limits.document)
+    if (request.byteCount < 0 || static_cast<std::size_t>(request.byteCount) > m_lab.limits.document) {
+        m_lab.log.write({m_service, "refused", "document", std::to_string(request.byteCount),
+                         std::to_string(STORE_TOO_MUCH)});
         return sendRows({STORE_TOO_MUCH, {}, {}}, std::nullopt, false);
+    }
     const auto document = m_connection.read(static_cast<std::size_t>(request.byteCount));
     if (!document)
         return;
-    const RequestSummary summary = summarize(request.command, *document);
-    const auto failure =
-        summary.point ? m_lab.failures.check(*summary.point, summary.tables) : std::optional<Failure>();
-    StoreResult result;
-    if (!failure || spoilsDocument(failure->effect))
-        result = runRequest(m_lab.store, request.command, *document);
-    m_lab.log.write({m_service, summary.operation, summary.subject, summary.arguments,
-                     failure ? failureText(*failure) : std::to_string(result.status), result.text});
+    std::optional<Failure> failure;
+    const StoreResult result = work(request.command, *document, failure);
     // Clients read a document behind these two replies only.
     sendRows(result, failure, request.command == ZOROP_QUERY || request.command == ZOROP_INSERT);
+}
+
+StoreResult ZordSession::work(int command, std::string_view document, std::optional<Failure>& failure) {
+    const DocumentTurns::Turn turn(m_lab.turns, document.size());
+    const RequestSummary summary = summarize(command, document);
+    if (summary.point)
+        failure = m_lab.failures.check(*summary.point, summary.tables);
+    StoreResult result;
+    if (!failure || spoilsDocument(failure->effect))
+        result = runRequest(m_lab.store, command, document);
+    m_lab.log.write({m_service, summary.operation, summary.subject, summary.arguments,
+                     failure ? failureText(*failure) : std::to_string(result.status), result.text});
+    return result;
 }
 
 void ZordSession::sendRows(const StoreResult& result, std::optional<Failure> failure, bool withReply) {
@@ -172,8 +161,7 @@ void ZordSession::sendRows(const StoreResult& result, std::optional<Failure> fai
 
 void ZordSession::method(const MethodExecute& request) {
     const MethodCall call(request);
-    const auto point = pointOf(call);
-    const auto failure = point ? m_lab.failures.check(point->point, point->detail) : std::optional<Failure>();
+    const auto failure = failureOf(m_lab, call);
     MethodResult result;
     if (!failure)
         result = runMethod(m_lab, call);

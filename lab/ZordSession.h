@@ -7,8 +7,9 @@
 #include "lab/Lab.h"
 #include "ops/packets.h"
 
-#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace Zorvane {
 
@@ -24,6 +25,8 @@ class ZordSession {
     bool open();
     void answer(AnyPacket& packet);
     void database(const DbRequest& request);
+    /// Runs a database request, or says how it is to fail.
+    StoreResult work(int command, std::string_view document, std::optional<Failure>& failure);
     void sendRows(const StoreResult& result, std::optional<Failure> failure, bool withReply);
     void method(const MethodExecute& request);
 

@@ -6,7 +6,10 @@
 #include "lab/Store.h"
 #include "lab/configurationFiles.h"
 #include "lab/jobReport.h"
+#include "lab/schema.h"
 #include "lab/serveLab.h"
+#include "lab/tablePage.h"
+#include "lab/xmlSchema.h"
 #include "suite/printable.h"
 
 #include <cstdio>
@@ -41,6 +44,7 @@ struct Options {
     std::vector<std::string> files;
     std::string client;
     std::string configuration;
+    std::string (*schema)() = nullptr;
 };
 
 CLI::App* addCommand(CLI::App& app, const char* name, const char* purpose, Options& options) {
@@ -134,6 +138,21 @@ void addDatabaseCommands(CLI::App& app, Options& options) {
     onStore(jobs, options, [](Store& store, const Options&) { std::cout << jobReport(store); });
 }
 
+void addSchema(CLI::App& app, Options& options) {
+    CLI::App* command = app.add_subcommand("schema", "Describe the document and the database.");
+    command->footer(EXITS);
+    CLI::Option_group* form = command->add_option_group("form");
+    const auto addForm = [&](const char* name, const char* purpose, std::string (*text)()) {
+        const auto choose = [&options, text] { options.schema = text; };
+        form->add_flag_callback(name, choose, purpose);
+    };
+    addForm("--xsd", "the document, as an XML Schema", &xmlSchema);
+    addForm("--sql", "the database, as SQL statements", &schemaText);
+    addForm("--md", "a reference page of all tables", &tablePage);
+    form->require_option(1);
+    command->callback([&options] { std::cout << options.schema(); });
+}
+
 } // namespace
 
 int runZorlab(int argc, char** argv) {
@@ -142,13 +161,16 @@ int runZorlab(int argc, char** argv) {
         "Plays the recovery daemons, the request daemon and the backup catalogue of a suite on one machine, "
         "for demos, rehearsal, training and tests. It is no recovery product.",
         "zorlab");
-    app.require_subcommand(1);
     app.footer(EXITS);
     addInit(app, options);
     addServe(app, options);
     addDatabaseCommands(app, options);
+    addSchema(app, options);
     try {
         app.parse(argc, argv);
+        // Not left to the library, which would complain of a mistyped command without its name.
+        if (app.get_subcommands().empty())
+            throw CLI::RequiredError("A command (init, serve, load, export, jobs or schema)");
         std::cout.flush();
         if (!std::cout)
             throw LabError("standard output can't be written");

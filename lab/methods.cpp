@@ -69,15 +69,24 @@ MethodResult runCommand(Lab& lab, const MethodCall& call) {
 struct Method {
     int operation;
     int resource;
+    FailPoint point;
+    std::size_t detail; ///< the parameter that the detail of a rule means
     MethodResult (*run)(Lab&, const MethodCall&);
 };
 
 constexpr std::array METHODS = {
-    Method{ZOROP_DOB2V, ZOROP_B2VRESTORETASK, startConversion},
-    Method{ZOROP_VERIFYB2V, ZOROP_VEPROFILE, verifyProfile},
-    Method{ZOROP_DELETE, ZOROP_VEPROFILE, deleteProfile},
-    Method{ZOROP_PREPARE, ZOROP_CLIENT, runCommand},
+    Method{ZOROP_DOB2V, ZOROP_B2VRESTORETASK, FailPoint::DoB2v, 0, startConversion},
+    Method{ZOROP_VERIFYB2V, ZOROP_VEPROFILE, FailPoint::VerifyB2v, 1, verifyProfile},
+    Method{ZOROP_DELETE, ZOROP_VEPROFILE, FailPoint::DeleteProfile, 1, deleteProfile},
+    Method{ZOROP_PREPARE, ZOROP_CLIENT, FailPoint::Catalogue, 0, runCommand},
 };
+
+const Method* findMethod(const MethodCall& call) {
+    const auto method = std::ranges::find_if(METHODS, [&](const Method& row) {
+        return row.operation == call.operation && row.resource == call.resource;
+    });
+    return method == METHODS.end() ? nullptr : &*method;
+}
 
 } // namespace
 
@@ -106,14 +115,21 @@ MethodResult methodFailure(std::int32_t value, MethodMessage message,
     return {value, {}, error};
 }
 
+std::optional<Failure> failureOf(Lab& lab, const MethodCall& call) {
+    const Method* method = findMethod(call);
+    if (!method)
+        return std::nullopt;
+    std::string detail = call.parameter(method->detail);
+    if (method->point == FailPoint::Catalogue) // the command of a command line
+        detail.resize(std::min(detail.find(' '), detail.size()));
+    return lab.failures.check(method->point, detail);
+}
+
 MethodResult runMethod(Lab& lab, const MethodCall& call) {
-    const auto method = std::ranges::find_if(METHODS, [&](const Method& row) {
-        return row.operation == call.operation && row.resource == call.resource;
-    });
-    if (method == METHODS.end())
-        return methodFailure(1, METHOD_NOT_OFFERED,
-                             {zorOperationName(call.operation), zorResourceName(call.resource)});
-    return method->run(lab, call);
+    if (const Method* method = findMethod(call))
+        return method->run(lab, call);
+    return methodFailure(1, METHOD_NOT_OFFERED,
+                         {zorOperationName(call.operation), zorResourceName(call.resource)});
 }
 
 } // namespace Zorvane

@@ -2,6 +2,7 @@
 // The methods of the recovery daemons: what a client asks for by operation and resource.
 #pragma once
 
+#include "lab/FailRules.h"
 #include "ops/netErrorMsg.h"
 
 #include <cstdint>
@@ -44,6 +45,8 @@ enum MethodMessage : std::int32_t {
 MethodResult methodFailure(std::int32_t value, MethodMessage message,
                            const std::vector<std::string>& parameters);
 
+/// The failure on demand that applies to the call, if one does; counts the call.
+std::optional<Failure> failureOf(Lab& lab, const MethodCall& call);
 MethodResult runMethod(Lab& lab, const MethodCall& call);
 
 } // namespace Zorvane

@@ -191,7 +191,7 @@ void readDocument(std::span<const unsigned char> document, CZor& rows, RowFilter
     if (document.size() > std::numeric_limits<int>::max())
         throw RequestError(STORE_BAD_DOCUMENT, "the document is too long");
     XmlParser parser(document.data(), static_cast<int>(document.size()));
-    if (parser.initChildren() != 0)
+    if (parser.initChildren() != 0 || parser.getRootName() != ZOR_XML_ROOT)
         throw RequestError(STORE_BAD_DOCUMENT,
                            "the request's " + std::to_string(document.size()) + " bytes are no document");
     for (const std::string* tag = parser.firstObjectTag(); tag; tag = parser.nextObjectTag()) {

@@ -23,13 +23,18 @@ const char* columnType(FieldKind kind) {
 }
 
 std::string columnDefinition(const Field& field) {
-    return quotedName(field.name) + ' ' + columnType(field.kind);
+    std::string definition = quotedName(field.name) + ' ' + columnType(field.kind);
+    // Told, not checked: 0 is no row, and a document's rows come in any order.
+    if (field.kind == FieldKind::Reference)
+        definition +=
+            std::string(" REFERENCES ") + quotedName(std::string("ZOR_") + field.target) + " (\"Id\")";
+    return definition;
 }
 
 std::string tableDefinition(const TableDescriptor& table) {
     std::string columns;
     for (const Field& field : table.fields)
-        appendItem(columns, columnDefinition(field));
+        appendItem(columns, "\n    " + columnDefinition(field));
     return std::string("CREATE TABLE IF NOT EXISTS ") + table.tableName + " (" + columns + ");\n";
 }
 
@@ -40,8 +45,7 @@ std::string indexDefinition(const TableDescriptor& table, const Field& field) {
 }
 
 std::string tableDefinitions() {
-    std::string sql =
-        std::string("CREATE TABLE IF NOT EXISTS ") + SUBMITTED_JOBS + " (TaskId INTEGER PRIMARY KEY);\n";
+    std::string sql;
     for (const TableDescriptor* table : allTables())
         sql += tableDefinition(*table);
     return sql;
@@ -83,7 +87,8 @@ void addMissingColumns(Database& database) {
 } // namespace
 
 void createSchema(Database& database) {
-    const std::string tables = tableDefinitions();
+    const std::string tables = std::string("CREATE TABLE IF NOT EXISTS ") + SUBMITTED_JOBS +
+                               " (TaskId INTEGER PRIMARY KEY);\n" + tableDefinitions();
     const std::string indexes = indexDefinitions();
     const std::int32_t version = fingerprint(tables + indexes);
     const std::string pragma = std::string("PRAGMA ") + DATABASE_SCHEMA + ".user_version";
@@ -101,6 +106,13 @@ void createSchema(Database& database) {
     database.execute(indexes);
     database.execute(pragma + '=' + std::to_string(version));
     transaction.commit();
+}
+
+std::string schemaText() {
+    return std::string("-- The recovery database. To make one: sqlite3 :memory: \"ATTACH 'recovery.db' AS ") +
+           DATABASE_SCHEMA +
+           "\" \".read FILE\"\n-- References are told and not checked: 0 stands for no row.\n\n" +
+           tableDefinitions() + '\n' + indexDefinitions();
 }
 
 std::span<const ReferenceColumn> referencesTo(const TableDescriptor& table) {

@@ -18,6 +18,9 @@ inline constexpr const char* SUBMITTED_JOBS = "ZorDba.LAB_SubmittedJob";
 /// file that this schema was made in.
 void createSchema(Database& database);
 
+/// The statements that make the tables and indexes, for a reader: a comment tells how to run them.
+std::string schemaText();
+
 /// A reference column, from the referring side.
 struct ReferenceColumn {
     const TableDescriptor* table;

@@ -111,6 +111,7 @@ class Transfer {
     // A configuration's rows come as a document and are loaded as new ones.
     void take(ImportRequest& request) {
         auto bytes = content(request.byteCount);
+        const DocumentTurns::Turn turn(m_lab.turns, bytes ? bytes->size() : 0);
         CZor rows;
         const bool read = bytes && rows.readXml(reinterpret_cast<unsigned char*>(bytes->data()),
                                                 static_cast<int>(bytes->size())) == 0;

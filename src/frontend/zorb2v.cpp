@@ -23,8 +23,10 @@ std::string joined(std::int32_t argc, char** argv) {
 int zormain(std::int32_t argc, char** argv) {
     Trace trace(g_appLog, "zorb2v:zormain()");
     trace.write(LEVEL_TRACE, "Command line: ", joined(argc, argv));
-    const std::vector<std::string> arguments(argc > 1 ? argv + 1 : argv, argc > 1 ? argv + argc : argv);
+    std::vector<std::string> arguments;
     CZorb2vCommandLine commandLine;
+    if (argc > 1)
+        arguments.assign(argv + 1, argv + argc);
     const int status = commandLine.execute(arguments);
     return trace.leave(status, ", return rc=", status);
 }

@@ -73,7 +73,9 @@ CZor& CZor::operator=(const CZor& other) {
         return *this;
     for (const VectorDescriptor& vector : vectors) {
         auto& target = vector.rows(*this).records();
-        for (const BaseTable* row : rowsOf(vector, other).records())
+        const auto& source = rowsOf(vector, other).records();
+        target.reserve(target.size() + source.size());
+        for (const BaseTable* row : source)
             if (row)
                 target.push_back(vector.table().clone(*row));
     }
@@ -85,6 +87,7 @@ CZor::~CZor() {
 }
 
 void CZor::clear(bool deleteRecords) {
+    const Trace trace(g_libLog, "CZor:CZor::clear()", ", deleteRecords=", deleteRecords);
     m_pXml.reset();
     for (const VectorDescriptor& vector : vectors) {
         RecordVector& rows = vector.rows(*this);
@@ -96,6 +99,7 @@ void CZor::clear(bool deleteRecords) {
 }
 
 void CZor::dump(std::ostream& out) {
+    const Trace trace(g_libLog, "CZor:CZor::dump()");
     for (const VectorDescriptor& vector : vectors) {
         const auto& records = vector.rows(*this).records();
         if (records.empty())
@@ -137,6 +141,7 @@ void CZor::removeAfterRequest(int filter) {
 }
 
 void CZor::clearFromDbFlags() {
+    const Trace trace(g_libLog, "CZor:CZor::clearFromDbFlags()");
     for (const VectorDescriptor& vector : vectors)
         for (BaseTable* row : vector.rows(*this).records())
             if (row)

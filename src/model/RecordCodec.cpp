@@ -108,14 +108,15 @@ int RecordCodec::write(const TableDescriptor& table, const BaseTable& row, XmlPa
     Trace trace(g_libLog, "RecordCodec:RecordCodec::write()", ", table=", table.name);
     if (const int rc = xml.AppendElement(table.name)) {
         trace.write(LEVEL_FAILURE, "Exiting AppendElement Failed in WriteXml. rc=", rc);
-        return rc;
+        return trace.leave(rc, ", return rc=", rc);
     }
     for (const Field& field : table.fields)
         appendField(field, row, xml);
-    return 0;
+    return trace.leave(0, ", return rc=", 0);
 }
 
 int RecordCodec::read(const TableDescriptor& table, BaseTable& row, XmlParser& xml) {
+    Trace trace(g_libLog, "RecordCodec:RecordCodec::read()", ", table=", table.name);
     xml.initChildren();
     for (const std::string* tag = xml.firstValueTag(); tag; tag = xml.nextValueTag()) {
         const Field* field = table.find(*tag);
@@ -161,7 +162,7 @@ int RecordCodec::read(const TableDescriptor& table, BaseTable& row, XmlParser& x
             break;
         }
     }
-    return 0;
+    return trace.leave(0, ", return rc=", 0);
 }
 
 void RecordCodec::dump(const TableDescriptor& table, const BaseTable& row, std::ostream& out) {

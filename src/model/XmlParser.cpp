@@ -87,6 +87,13 @@ XmlParser::XmlParser(const unsigned char* buffer, int bufferLen) {
 
 XmlParser::~XmlParser() = default;
 
+XmlParserImpl* XmlParser::usable(const char* label) const {
+    if (!m_pXmlParserImpl && g_libLog)
+        g_libLog->WriteDebugMsg(DEBUG_FLAGS, LEVEL_FAILURE, label,
+                                "Exiting, No Implementation for XmlParserImpl allocated.");
+    return m_pXmlParserImpl.get();
+}
+
 int XmlParser::parse(const unsigned char* inBuffer, int bufferLen) {
     Trace trace(g_libLog, "XmlParser:XmlParser::parse()", ", bufferLen=", bufferLen);
     if (!inBuffer) {
@@ -97,7 +104,7 @@ int XmlParser::parse(const unsigned char* inBuffer, int bufferLen) {
         trace.write(LEVEL_FAILURE, "Exiting, No buffer length, so nothing to do.");
         return 1;
     }
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    XmlParserImpl* impl = usable(trace.label());
     if (!impl || !impl->m_pParser)
         return 1;
 
@@ -109,6 +116,7 @@ int XmlParser::parse(const unsigned char* inBuffer, int bufferLen) {
     try {
         const MemBufInputSource source(inBuffer, static_cast<XMLSize_t>(bufferLen), id.c_str(), false);
         ZorXmlErrorHandler handler;
+        impl->forgetDocument();
         impl->m_pParser->resetDocumentPool();
         impl->m_pParser->setErrorHandler(&handler);
         impl->m_pParser->parse(source);
@@ -136,7 +144,7 @@ int XmlParser::parse(const unsigned char* inBuffer, int bufferLen) {
 
 int XmlParser::write() {
     Trace trace(g_libLog, "XmlParser:XmlParser::write()");
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    XmlParserImpl* impl = usable(trace.label());
     if (!impl)
         return 1;
     impl->m_pTarget->reset();
@@ -149,7 +157,7 @@ int XmlParser::write() {
         if (configuration->canSetParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true))
             configuration->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
         impl->m_pOutput->setByteStream(impl->m_pTarget.get());
-        if (!serializer->write(impl->m_pDoc, impl->m_pOutput.get())) {
+        if (!impl->m_pDoc || !serializer->write(impl->m_pDoc, impl->m_pOutput.get())) {
             trace.write(LEVEL_FAILURE, "Unexpected error while writing the configuration");
             rc = XML_WRITE_FAILED;
         }
@@ -161,6 +169,8 @@ int XmlParser::write() {
     } catch (const DOMException& exception) {
         trace.write(LEVEL_FAILURE, "Caught DOMException, code=", exception.code,
                     " error msg: ", textOf(exception.getMessage()));
+        if (!impl->m_pBuiltDoc)
+            impl->forgetDocument();
         impl->m_pParser.reset();
         rc = XML_DOM_FAILURE;
     } catch (...) {
@@ -173,24 +183,20 @@ int XmlParser::write() {
 const unsigned char* XmlParser::getBuffer() {
     if (m_pXmlParserImpl && !m_pXmlParserImpl->m_written)
         write();
-    return m_pXmlParserImpl ? m_pXmlParserImpl->m_pTarget->getRawBuffer() : nullptr;
+    const XmlParserImpl* impl = usable("XmlParser:XmlParser::getBuffer()");
+    return impl ? impl->m_pTarget->getRawBuffer() : nullptr;
 }
 
 int XmlParser::getBufferLen() {
     if (m_pXmlParserImpl && !m_pXmlParserImpl->m_written)
         write();
-    return m_pXmlParserImpl ? static_cast<int>(m_pXmlParserImpl->m_pTarget->getLen()) : 0;
+    const XmlParserImpl* impl = usable("XmlParser:XmlParser::getBufferLen()");
+    return impl ? static_cast<int>(impl->m_pTarget->getLen()) : 0;
 }
 
 void XmlParser::releaseDocument() {
-    if (!m_pXmlParserImpl)
-        return;
-    m_pXmlParserImpl->m_pBuiltDoc.reset();
-    m_pXmlParserImpl->m_pDoc = nullptr;
-    m_pXmlParserImpl->m_pRootElement = nullptr;
-    m_pXmlParserImpl->m_pCurrentElement = nullptr;
-    m_pXmlParserImpl->m_pCurrentObject = nullptr;
-    m_pXmlParserImpl->m_pCurrentValue = nullptr;
+    if (XmlParserImpl* impl = usable("XmlParser:XmlParser::releaseDocument()"))
+        impl->forgetDocument();
 }
 
 } // namespace Zorvane

@@ -140,6 +140,9 @@ class XmlParser {
     }
 
   private:
+    /// The state; null, and a line in the log, for an object that could not be set up.
+    XmlParserImpl* usable(const char* label) const;
+
     std::unique_ptr<XmlParserImpl> m_pXmlParserImpl;
 };
 

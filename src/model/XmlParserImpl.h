@@ -41,6 +41,14 @@ class XmlParserImpl {
     std::vector<XMLCh> m_wideTag;  ///< scratch
     std::vector<XMLCh> m_wideText; ///< scratch
     bool m_written = false;        ///< the target holds the document as it stands
+
+    /// Lets go of the document and of all that points into it.
+    void forgetDocument() {
+        m_pCurrentObject = m_pCurrentValue = nullptr;
+        m_pRootElement = m_pCurrentElement = nullptr;
+        m_pDoc = nullptr;
+        m_pBuiltDoc.reset();
+    }
 };
 
 } // namespace Zorvane

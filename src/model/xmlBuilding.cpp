@@ -18,7 +18,6 @@ using namespace xercesc;
 namespace {
 
 constexpr const char* LABEL = "XmlParser:XmlParser::AppendValue()";
-constexpr const char* NO_IMPLEMENTATION = "Exiting, No Implementation for XmlParserImpl allocated.";
 constexpr const char* NULL_VALUE = "Unexpected NULL value in AppendValue.";
 constexpr const char* NO_IMPL_DOCUMENT = "m_pXmlParserImpl->m_pDoc must be initialized to append a node.";
 
@@ -67,7 +66,7 @@ int appendNumber(XmlParser& parser, const char* tag, Number value) {
 // What stands against appending a value, or 0. The wide and binary forms word a missing document otherwise.
 int checkNative(const XmlParserImpl* impl, const char* tag) {
     if (!impl)
-        return refuse(1, LABEL, NO_IMPLEMENTATION);
+        return 1;
     if (!impl->m_pDoc)
         return refuse(1, LABEL, "document must be initialized to append a node.");
     if (!impl->m_pCurrentElement || !tag)
@@ -77,7 +76,7 @@ int checkNative(const XmlParserImpl* impl, const char* tag) {
 
 int checkWide(const XmlParserImpl* impl, const char* tag) {
     if (!impl)
-        return refuse(1, LABEL, NO_IMPLEMENTATION);
+        return 1;
     if (!impl->m_pDoc)
         return refuse(XML_BAD_STATE, LABEL, NO_IMPL_DOCUMENT);
     if (!impl->m_pCurrentElement || !tag)
@@ -110,9 +109,9 @@ std::vector<XMLCh> utf16(const wchar_t* text, std::size_t length) {
 
 int XmlParser::AppendElement(const char* tag) {
     constexpr const char* label = "XmlParser:XmlParser::AppendElement()";
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    XmlParserImpl* impl = usable(label);
     if (!impl)
-        return refuse(1, label, NO_IMPLEMENTATION);
+        return 1;
     if (!impl->m_pRootElement)
         return refuse(1, label, "DOMElement is NULL in AppendElement().");
     if (!impl->m_pDoc)
@@ -128,7 +127,7 @@ int XmlParser::AppendElement(const char* tag) {
 }
 
 int XmlParser::AppendValue(const char* tag, IDREF value, bool fromDb) {
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    XmlParserImpl* impl = usable(LABEL);
     if (const int rc = checkNative(impl, tag))
         return rc;
     static constexpr XMLCh attribute[] = {'f', 'r', 'o', 'm', 'D', 'b', 0};
@@ -140,7 +139,7 @@ int XmlParser::AppendValue(const char* tag, IDREF value, bool fromDb) {
 }
 
 int XmlParser::AppendValue(const char* tag, const char* value) {
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    XmlParserImpl* impl = usable(LABEL);
     if (const int rc = checkNative(impl, tag))
         return rc;
     if (value)
@@ -183,7 +182,7 @@ int XmlParser::AppendValue(const char* tag, __int64 value) {
 }
 
 int XmlParser::AppendValue(const char* tag, const wchar_t* value) {
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    XmlParserImpl* impl = usable(LABEL);
     if (const int rc = checkWide(impl, tag))
         return rc;
     DOMElement* element = appendTo(*impl, tag);
@@ -198,7 +197,7 @@ int XmlParser::AppendValue(const char* tag, wchar_t value) {
 }
 
 int XmlParser::AppendValue(const char* tag, const unsigned char* value, unsigned int length) {
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    XmlParserImpl* impl = usable(LABEL);
     if (const int rc = checkWide(impl, tag))
         return rc;
     DOMElement* element = appendTo(*impl, tag);

@@ -53,14 +53,17 @@ const std::string* textOf(XmlParserImpl& impl, const DOMNode* node) {
     return &impl.m_text;
 }
 
-// The text of the value cursor, or null; told once if the object has no document.
-const std::string* valueText(XmlParserImpl* impl) {
-    if (!impl) {
+// Whether there is anything to take values from.
+bool isReadable(const XmlParserImpl* impl) {
+    if (!impl)
         log(LEVEL_FAILURE, "XmlParser:XmlParser::CopyNodeValue()",
             "Exiting, No Implementation for XmlParserImplementation for XmlParserImpl allocated.");
-        return nullptr;
-    }
-    return textOf(*impl, impl->m_pCurrentValue);
+    return impl;
+}
+
+// The text of the value cursor, or null.
+const std::string* valueText(XmlParserImpl* impl) {
+    return isReadable(impl) ? textOf(*impl, impl->m_pCurrentValue) : nullptr;
 }
 
 template <class Number>
@@ -115,34 +118,36 @@ void copyToNewArray(const Char* text, std::size_t length, Char** destination) {
 } // namespace
 
 int XmlParser::initChildren() {
-    if (!m_pXmlParserImpl) {
-        log(LEVEL_FAILURE, "XmlParser:XmlParser::initChildren()",
-            "Exiting, No Implementation for XmlParserImpl allocated.");
+    constexpr const char* label = "XmlParser:XmlParser::initChildren()";
+    const XmlParserImpl* impl = usable(label);
+    if (!impl)
         return 1;
-    }
-    if (!m_pXmlParserImpl->m_pCurrentObject) {
-        log(LEVEL_FINE, "XmlParser:XmlParser::initChildren()", "Could not get DOMNOde. In initChildren()");
+    if (!impl->m_pCurrentObject) {
+        log(LEVEL_FINE, label, "Could not get DOMNOde. In initChildren()");
         return 1;
     }
     return 0;
 }
 
 const std::string* XmlParser::firstObjectTag() {
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
+    constexpr const char* label = "XmlParser:XmlParser::getFirstObject()";
+    XmlParserImpl* impl = usable(label);
     if (!impl)
         return nullptr;
     DOMNode* child = impl->m_pCurrentObject ? skipTexts(impl->m_pCurrentObject->getFirstChild()) : nullptr;
     impl->m_pCurrentObject = impl->m_pCurrentValue = child;
     if (!child)
-        log(LEVEL_FINE, "XmlParser:XmlParser::getFirstObject()",
-            "Could not get next non TEXT_NODE Child in getFirstObject().");
+        log(LEVEL_FAILURE, label, "Could not get next non TEXT_NODE Child in getFirstObject().");
     return tagOf(*impl, child);
 }
 
 const std::string* XmlParser::nextObjectTag() {
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
-    if (!impl || !impl->m_pCurrentObject) {
-        log(LEVEL_FINE, "XmlParser:XmlParser::getNextObject()", "Could not get DOMNOde. In getNextObject().");
+    constexpr const char* label = "XmlParser:XmlParser::getNextObject()";
+    XmlParserImpl* impl = usable(label);
+    if (!impl)
+        return nullptr;
+    if (!impl->m_pCurrentObject) {
+        log(LEVEL_FAILURE, label, "Could not get DOMNOde. In getNextObject().");
         return nullptr;
     }
     impl->m_pCurrentObject = skipTexts(impl->m_pCurrentObject->getNextSibling());
@@ -151,21 +156,24 @@ const std::string* XmlParser::nextObjectTag() {
 }
 
 const std::string* XmlParser::firstValueTag() {
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
-    DOMNode* child =
-        impl && impl->m_pCurrentValue ? skipTexts(impl->m_pCurrentValue->getFirstChild()) : nullptr;
-    if (!child) {
-        log(LEVEL_FINE, "XmlParser:XmlParser::getFirstValue()", "Could not get DOMNOde. In getFirstValue()");
+    constexpr const char* label = "XmlParser:XmlParser::getFirstValue()";
+    XmlParserImpl* impl = usable(label);
+    if (!impl)
         return nullptr;
-    }
+    DOMNode* child = impl->m_pCurrentValue ? skipTexts(impl->m_pCurrentValue->getFirstChild()) : nullptr;
     impl->m_pCurrentValue = child;
+    if (!child)
+        log(LEVEL_FINE, label, "Could not get DOMNOde. In getFirstValue().");
     return tagOf(*impl, child);
 }
 
 const std::string* XmlParser::nextValueTag() {
-    XmlParserImpl* impl = m_pXmlParserImpl.get();
-    if (!impl || !impl->m_pCurrentValue) {
-        log(LEVEL_FINE, "XmlParser:XmlParser::getNextValue()", "Could not get DOMNOde. In getNextValue()");
+    constexpr const char* label = "XmlParser:XmlParser::getNextValue()";
+    XmlParserImpl* impl = usable(label);
+    if (!impl)
+        return nullptr;
+    if (!impl->m_pCurrentValue) {
+        log(LEVEL_FAILURE, label, "Could not get DOMNOde. In getNextValue().");
         return nullptr;
     }
     impl->m_pCurrentValue = skipTexts(impl->m_pCurrentValue->getNextSibling());
@@ -186,33 +194,35 @@ char* XmlParser::getNextValue() {
 }
 
 std::string XmlParser::getRootName() {
-    const std::string* tag =
-        m_pXmlParserImpl ? tagOf(*m_pXmlParserImpl, m_pXmlParserImpl->m_pRootElement) : nullptr;
+    XmlParserImpl* impl = usable("XmlParser:XmlParser::getRootName()");
+    const std::string* tag = impl ? tagOf(*impl, impl->m_pRootElement) : nullptr;
     return tag ? *tag : std::string();
 }
 
 XmlNode* XmlParser::getCurrentNode() {
-    return m_pXmlParserImpl ? reinterpret_cast<XmlNode*>(m_pXmlParserImpl->m_pCurrentObject) : nullptr;
+    const XmlParserImpl* impl = usable("XmlParser:XmlParser::getCurrentNode()");
+    return impl ? reinterpret_cast<XmlNode*>(impl->m_pCurrentObject) : nullptr;
 }
 
 void XmlParser::setCurrentNode(XmlNode* node) {
-    if (m_pXmlParserImpl)
-        m_pXmlParserImpl->m_pCurrentObject = m_pXmlParserImpl->m_pCurrentValue =
-            reinterpret_cast<DOMNode*>(node);
+    if (XmlParserImpl* impl = usable("XmlParser:XmlParser::setCurrentNode()"))
+        impl->m_pCurrentObject = impl->m_pCurrentValue = reinterpret_cast<DOMNode*>(node);
 }
 
 void XmlParser::CopyNode(std::string* destination) {
-    if (!m_pXmlParserImpl)
+    XmlParserImpl* impl = usable("XmlParser:XmlParser::CopyNode()");
+    if (!impl)
         return;
-    if (const std::string* text = textOf(*m_pXmlParserImpl, m_pXmlParserImpl->m_pCurrentObject))
+    if (const std::string* text = textOf(*impl, impl->m_pCurrentObject))
         *destination = *text;
 }
 
 void XmlParser::CopyNodeAttribute(std::string* destination, const std::string* name) {
-    if (!m_pXmlParserImpl)
+    XmlParserImpl* impl = usable("XmlParser:XmlParser::CopyNodeAttribute()");
+    if (!impl)
         return;
-    nativeToWide(*name, m_pXmlParserImpl->m_wideTag);
-    if (const XMLCh* text = attributeOf(*m_pXmlParserImpl, m_pXmlParserImpl->m_wideTag.data()))
+    nativeToWide(*name, impl->m_wideTag);
+    if (const XMLCh* text = attributeOf(*impl, impl->m_wideTag.data()))
         wideToNative(text, *destination);
 }
 
@@ -222,7 +232,7 @@ void XmlParser::CopyNodeValue(bool* destination) {
 }
 
 void XmlParser::CopyNodeValue(unsigned char* destination) {
-    if (!m_pXmlParserImpl)
+    if (!isReadable(m_pXmlParserImpl.get()))
         return;
     const std::string* text = valueText(m_pXmlParserImpl.get());
     *destination = text && !text->empty() ? static_cast<unsigned char>(text->front()) : 0;
@@ -253,28 +263,28 @@ void XmlParser::CopyNodeValue(unsigned long* destination) {
 }
 
 void XmlParser::CopyNodeValue(wchar_t* destination) {
-    if (!m_pXmlParserImpl)
+    if (!isReadable(m_pXmlParserImpl.get()))
         return;
     const std::wstring text = wideTextOf(*m_pXmlParserImpl);
     *destination = text.empty() ? L'\0' : text.front();
 }
 
 void XmlParser::CopyNodeValue(wchar_t** destination) {
-    if (!m_pXmlParserImpl)
+    if (!isReadable(m_pXmlParserImpl.get()))
         return;
     const std::wstring text = wideTextOf(*m_pXmlParserImpl);
     copyToNewArray(text.data(), text.size(), destination);
 }
 
 void XmlParser::CopyNodeValue(char** destination) {
-    if (!m_pXmlParserImpl)
+    if (!isReadable(m_pXmlParserImpl.get()))
         return;
     const std::string* text = valueText(m_pXmlParserImpl.get());
     copyToNewArray(text ? text->data() : "", text ? text->size() : 0, destination);
 }
 
 void XmlParser::CopyNodeValue(unsigned char** destination) {
-    if (!m_pXmlParserImpl)
+    if (!isReadable(m_pXmlParserImpl.get()))
         return;
     *destination = nullptr;
     const std::string* text = valueText(m_pXmlParserImpl.get());

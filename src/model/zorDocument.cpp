@@ -91,8 +91,10 @@ int CZor::writeXml(unsigned char** xml, int* len, int filter) {
                 RecordCodec::write(vector.table(), *row, parser);
     if (!xml || !len) {
         trace.write(LEVEL_FAILURE, "Exiting CZor::writeXml with error due to zero length.");
-        return 1;
+        return trace.leave(1, ", return rc=", 1);
     }
+    // The result is not looked at, and this stays so: of a text that XML has no place for (a control
+    // character), the document goes out as far as it came, and the peer refuses it.
     parser.write();
     *len = parser.getBufferLen();
     *xml = new unsigned char[static_cast<std::size_t>(*len) + 1];
@@ -114,7 +116,7 @@ int CZor::readXml(unsigned char* xml, int len, int filter) {
         XmlParser& parser = renewParser(std::make_unique<XmlParser>(xml, len));
         if (parser.initChildren() != 0) {
             trace.write(LEVEL_FAILURE, "Exiting, Failure in XmlParserImpl. Line= ", __LINE__);
-            return 1;
+            return trace.leave(1, ", return rc=", 1);
         }
         RowReceiver receiver(*this);
         for (const std::string* tag = parser.firstObjectTag(); tag; tag = parser.nextObjectTag()) {
@@ -129,7 +131,7 @@ int CZor::readXml(unsigned char* xml, int len, int filter) {
         }
     } catch (...) {
         trace.write(LEVEL_FAILURE, "Exiting, Caught unexpected error on line= ", __LINE__);
-        return 1;
+        return trace.leave(1, ", return rc=", 1);
     }
     return trace.leave(0, ", return rc=", 0);
 }
@@ -144,13 +146,13 @@ int CZor::writeXml(char* filename) {
     int len = 0;
     if (const int rc = writeXml(&xml, &len)) {
         trace.write(LEVEL_FAILURE, "Error attempting to write XML document, rc ", rc);
-        return rc;
+        return trace.leave(rc, ", return rc=", rc);
     }
     const std::unique_ptr<unsigned char[]> document(xml);
     File file(filename ? std::fopen(filename, "we") : nullptr);
     if (!file) {
         trace.write(LEVEL_FAILURE, "Error opening XML document, ", orNull(filename));
-        return 1;
+        return trace.leave(1, ", return rc=", 1);
     }
     const bool isWritten =
         std::fwrite(xml, 1, static_cast<std::size_t>(len), file.get()) == static_cast<std::size_t>(len);
@@ -158,7 +160,7 @@ int CZor::writeXml(char* filename) {
     const bool isClosed = std::fclose(file.release()) == 0;
     if (!isWritten || !isClosed) {
         trace.write(LEVEL_FAILURE, "Error writing XML document, ", filename);
-        return 1;
+        return trace.leave(1, ", return rc=", 1);
     }
     return trace.leave(0, ", return rc=", 0);
 }
@@ -167,14 +169,14 @@ int CZor::readFile(const char* filename, unsigned char** buffer, int* len) {
     Trace trace(g_libLog, "CZor:CZor::readFile()", ", filename=", orNull(filename));
     if (!buffer || !len) {
         trace.write(LEVEL_FAILURE, "Exiting, Bad parameters passed. rc=1");
-        return 1;
+        return trace.leave(1, ", return rc=", 1);
     }
     *buffer = nullptr;
     *len = 0;
     const File file(filename ? std::fopen(filename, "rbe") : nullptr);
     if (!file) {
         trace.write(LEVEL_FAILURE, "Exiting failed to open, ", orNull(filename), " rc=1 ");
-        return 1;
+        return trace.leave(1, ", return rc=", 1);
     }
     std::fseek(file.get(), 0, SEEK_END);
     const long size = std::ftell(file.get());
@@ -185,12 +187,12 @@ int CZor::readFile(const char* filename, unsigned char** buffer, int* len) {
         fits ? new (std::nothrow) unsigned char[static_cast<std::size_t>(size) + 1] : nullptr);
     if (!content) {
         trace.write(LEVEL_FAILURE, "Exiting. Failed to get memory. rc=2");
-        return 2;
+        return trace.leave(2, ", return rc=", 2);
     }
     const std::size_t count = std::fread(content.get(), 1, static_cast<std::size_t>(size), file.get());
     if (count < static_cast<std::size_t>(size)) {
         trace.write(LEVEL_FAILURE, "Exiting, failed Read of only", count, "Bytes out of ", size, " rc=3");
-        return 3;
+        return trace.leave(3, ", return rc=", 3);
     }
     *buffer = content.release();
     *len = static_cast<int>(size);
@@ -203,10 +205,11 @@ int CZor::readXml(char* filename) {
     int len = 0;
     if (const int rc = readFile(filename, &buffer, &len)) {
         trace.write(LEVEL_FAILURE, "Failed to read file into memory rc == ", rc);
-        return rc;
+        return trace.leave(rc, ", return rc=", rc);
     }
     const std::unique_ptr<unsigned char[]> content(buffer);
-    return readXml(content.get(), len);
+    const int rc = readXml(content.get(), len);
+    return trace.leave(rc, ", return rc=", rc);
 }
 
 int CZor::readXml(std::string& filename) {

@@ -19,38 +19,33 @@ int noRecord(FieldWalker, unsigned char*, PacketHeader&) {
     return -1;
 }
 
-template <PacketRecord Record>
-constexpr void enter(std::array<PacketCodec, PACKET_TYPES>& codecs) {
-    codecs[Record::Type] = &codec<Record>;
+// Each type but 0 has its record, and no type has two.
+template <PacketRecord... Records>
+constexpr bool isComplete() {
+    std::array<bool, PACKET_TYPES> known{true};
+    ((known[Records::Type] = true), ...);
+    for (const bool isKnown : known)
+        if (!isKnown)
+            return false;
+    return sizeof...(Records) == PACKET_TYPES - 1;
 }
 
 template <PacketRecord... Records>
 constexpr std::array<PacketCodec, PACKET_TYPES> makeTable() {
-    static_assert(sizeof...(Records) == PACKET_TYPES - 1, "each type but 0 has its record");
-    std::array<PacketCodec, PACKET_TYPES> codecs{};
-    codecs[NO_PACKET] = &noRecord;
-    (enter<Records>(codecs), ...);
+    static_assert(isComplete<Records...>());
+    std::array<PacketCodec, PACKET_TYPES> codecs{&noRecord};
+    ((codecs[Records::Type] = &codec<Records>), ...);
     return codecs;
 }
 
-constexpr auto table =
+} // namespace
+
+constinit const std::array<PacketCodec, PACKET_TYPES> packetCodecs =
     makeTable<Type1Request, Type1Reply, Type3Request, Type3Reply, Type5Request, Type5Reply, MsgRequest,
               LogRequest, MethodExecute, VersionRequest, VersionReply, PushRequest, PushReply, PullRequest,
               PullReply, MsgReply, ImportRequest, ImportReply, Type19Packet, Type20Packet,
               PullProcedureRequest, DbRequest, DbReply, MethodExecuteReply, ErrRequest, ChangeRequest,
               ChangeReply, ErrorResponse, Type29Packet, Type30Packet>();
-static_assert(
-    [] {
-        for (const PacketCodec entry : table)
-            if (!entry)
-                return false;
-        return true;
-    }(),
-    "no type stands twice");
-
-} // namespace
-
-const std::array<PacketCodec, PACKET_TYPES> packetCodecs = table;
 
 int MethodExecute::walk(FieldWalker walker, unsigned char* buffer) {
     const int length = walker(buffer, nullptr, "sssssX",

@@ -9,8 +9,8 @@ namespace Zorvane {
 
 /// Stores the arguments of a command in a vector that ends with null. Outside quotes a backslash takes the
 /// next character literally; quotes of either kind keep everything up to the same quote, backslashes too.
-/// `arguments` begins as null (or an empty vector from realloc) and is
-/// failure too. 1 on success, 0 on failure (the opposite of the return codes).
+/// `arguments` begins as null (or an empty vector from realloc) and is the caller's to free, after a failure
+/// too. 1 on success, 0 on failure (the opposite of the return codes).
 int ParseCommand(const std::string& command, char**& arguments);
 
 /// Stores one raw argument, its quotes and backslashes resolved, and counts it; or, for null, the end of the

@@ -28,7 +28,7 @@ int GetParameterValueFromFileStream(std::istream& stream, const std::string& par
                                     const std::string& separators) {
     Trace trace(g_libLog, "parameterFile:GetParameterValueFromFileStream()", ", parameter=", parameter);
     if (stream.fail()) {
-        trace.write(LEVEL_TRACE, "Unable to open a file stream.");
+        trace.write(LEVEL_TRACE, "Unable to open a file stream. Exiting, line=", __LINE__);
         return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
     }
 

@@ -154,7 +154,8 @@ int SetOsInfo() {
         if (GetParameterValueFromFile(name, "PATCHLEVEL", patchLevel, PARAMETER_SEPARATORS) == ZOR_SUCCESS)
             OsLevel += "." + patchLevel;
     } else if (level == "5" || level == "6" || level == "7" || level == "8") {
-        OsLevel = minorLevel(line);
+        if (const std::string minor = minorLevel(line); !minor.empty())
+            OsLevel = minor;
     }
     if (OsLevel.empty())
         OsLevel = level;

@@ -30,7 +30,8 @@ std::time_t TimeStringToTicks(const char* date, const char* time, unsigned optio
         trace.write(LEVEL_FAILURE, "Invalid end date");
         ticks = 0;
     }
-    return trace.leave(ticks, ", ticks=", ticks);
+    trace.write(LEVEL_TRACE, "Exiting, ticks=", ticks); // in these words: support looks for the line
+    return ticks;
 }
 
 std::string TicksToTimeString(std::time_t ticks, unsigned options) {

@@ -14,7 +14,9 @@
 #include <cassert>
 #include <concepts>
 #include <functional>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 

@@ -7,6 +7,7 @@
 #include "storage/lookup.h"
 
 #include <map>
+#include <utility>
 
 namespace Zorvane {
 
@@ -61,8 +62,14 @@ std::vector<CSolarisSlice*> FindEncapsulatedQuVMVolumeSlice(CZor& zor, const CQu
     Trace trace(g_libLog, "solarisSlices:FindEncapsulatedQuVMVolumeSlice()", ", name=", volume.getName());
     std::vector<CSolarisSlice*> found;
     const auto subdisks = FindReferring<CQuvmSubDisk>(zor, FindReferring<CQuvmPlex>(zor, volume));
-    const auto block0 = std::ranges::find_if(subdisks, isBlock0);
-    const bool hasBlock0 = block0 != subdisks.end();
+    // By plex, up to the first block. It stays that a plex which has all its subdisks behind the block has no
+    // length here, not even 0, so that none of them corresponds to a slice.
+    std::map<ID, __int64> blockLengths;
+    bool hasBlock0 = false;
+    for (auto subdisk = subdisks.begin(); subdisk != subdisks.end() && !hasBlock0; ++subdisk) {
+        hasBlock0 = isBlock0(*subdisk);
+        blockLengths[(*subdisk)->getQuvmPlexId()] = hasBlock0 ? (*subdisk)->getLength() : 0;
+    }
     if (volume.getColumns() > 1 || std::cmp_not_equal(volume.getCopies(), subdisks.size() - hasBlock0))
         return found;
 
@@ -72,20 +79,20 @@ std::vector<CSolarisSlice*> FindEncapsulatedQuVMVolumeSlice(CZor& zor, const CQu
         const CSolarisDisk* disk = solarisDiskOf(zor, *subdisk);
         if (!disk)
             break;
+        const auto blockLength = blockLengths.find(subdisk->getQuvmPlexId());
+        if (blockLength == blockLengths.end())
+            continue;
         const auto slices = FindReferring<CSolarisSlice>(zor, *disk);
         const auto publicRegion = std::ranges::find(slices, PUBLIC_REGION, &CSolarisSlice::getTag);
-        const Extent wanted = Extent::around(
-            *subdisk,
-            hasBlock0 && (*block0)->getQuvmPlexId() == subdisk->getQuvmPlexId() ? (*block0)->getLength() : 0,
-            publicRegion == slices.end() ? 0 : (*publicRegion)->getOffset());
+        const Extent wanted = Extent::around(*subdisk, blockLength->second,
+                                             publicRegion == slices.end() ? 0 : (*publicRegion)->getOffset());
         for (CSolarisSlice* slice : slices) {
             if (Extent::of(*slice) != wanted)
                 continue;
             if (!marked) {
                 slice->setEncapsulated(true);
             } else if (slice->getEncapsulated()) {
-                trace.write(LEVEL_TRACE, "Adding slice ", slice->getName(), " at line ",
-                            __LINE__);
+                trace.write(LEVEL_TRACE, "Adding slice ", slice->getName(), " at line ", __LINE__);
                 found.push_back(slice);
             }
         }

@@ -14,6 +14,9 @@
 #include "storage/lookup.h"
 #include "storage/readUnsigned.h"
 
+#include <algorithm>
+#include <string_view>
+
 namespace Zorvane {
 
 namespace {

@@ -8,6 +8,8 @@
 #include "storage/readUnsigned.h"
 #include "storage/volfind.h"
 
+#include <utility>
+
 namespace Zorvane {
 
 namespace {

@@ -27,9 +27,9 @@ constexpr const char* STANDARD_FILE = "/usr/tarnv/kelvarion/kvn.toml";
 constexpr off_t MAX_FILE_SIZE = off_t{1} << 20;
 
 // The file as it is on disk; a failure is told by errno.
-std::optional<std::string> readFile(const std::string& path) {
+std::optional<std::string> readFile(const char* path) {
     // A pipe or device in the file's place must not hold the program up.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const Descriptor file(::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat facts {};
     if (!file.isOpen() || ::fstat(file.get(), &facts) != 0)
         return std::nullopt;
@@ -73,9 +73,9 @@ struct Stamp {
     }
 };
 
-Stamp stampOf(const std::string& path) {
+Stamp stampOf(const char* path) {
     struct stat facts {};
-    if (::stat(path.c_str(), &facts) != 0)
+    if (::stat(path, &facts) != 0)
         return {};
     return {facts.st_dev, facts.st_ino, facts.st_size, facts.st_ctim.tv_sec, facts.st_ctim.tv_nsec};
 }
@@ -99,7 +99,7 @@ const Configuration& ConfigurationFile::current() {
     const char* chosen = ::secure_getenv("KVN_CONF");
     if (chosen && !*chosen)
         chosen = nullptr;
-    const std::string path = chosen ? chosen : STANDARD_FILE;
+    const char* const path = chosen ? chosen : STANDARD_FILE;
     const Stamp stamp = stampOf(path);
     const bool samePath = path == m_path;
     if (samePath && m_proven && stamp == m_stamp)

@@ -33,9 +33,9 @@ struct Configuration {
     [[nodiscard]] Levels levelsOf(std::uint64_t originator) const;
 };
 
-/// The configuration as the file stands now. Costs one stat when nothing changed; valid until the next call.
-/// A file that can't be read or parsed is told on standard error, once, and counts as absent; so does a
-/// single value of a wrong type. Not for use by several threads.
+/// The configuration as the file stands now. Costs one stat, and no allocation, when nothing changed; valid
+/// until the next call. A file that can't be read or parsed is told on standard error, once, and counts as
+/// absent; so does a single value of a wrong type. Not for use by several threads.
 const Configuration& configuration();
 
 } // namespace Zorvane::Suite

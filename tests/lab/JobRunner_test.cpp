@@ -37,13 +37,11 @@ class JobRunnerTest : public StoreTest {
         EXPECT_EQ(logs[0].getStatus(), 0);
         EXPECT_EQ(logs[0].getCreateTime(), 1234);
         EXPECT_GT(logs[0].getEndTime(), 1'700'000'000);
-        EXPECT_EQ(contents(query("*", CDiskToDataStoreMapLog::TableName,
-                                 "P2VRestoreTaskLogId=1 AND DiskName='disk" + std::to_string(task) + "'")
-                               .reply),
+        EXPECT_EQ(found(CDiskToDataStoreMapLog::TableName,
+                        "P2VRestoreTaskLogId=1 AND DiskName='disk" + std::to_string(task) + "'"),
                   "DiskToDataStoreMapLog 1");
         EXPECT_EQ(m_store->tasks().size(), 1U) << "the other task waits for its submission";
-        EXPECT_EQ(contents(query("*", CDiskToDataStoreMap::TableName, "").reply),
-                  "DiskToDataStoreMap " + std::to_string(3 - task));
+        EXPECT_EQ(found(CDiskToDataStoreMap::TableName), "DiskToDataStoreMap " + std::to_string(3 - task));
         EXPECT_TRUE(m_store->submittedTasks().empty());
     }
 };

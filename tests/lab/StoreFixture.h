@@ -55,15 +55,17 @@ class StoreTest : public testing::Test {
     StoreResult query(const std::string& columns, const std::string& table, const std::string& where,
                       ID treeId = 0) {
         CZor request;
-        auto* row = new CQueryRequest;
-        row->setColumnClause(columns);
-        row->setTableClause(table);
-        row->setWhereClause(where);
-        row->setTreeId(treeId);
-        request.m_vQueryRequest.push_back(row);
+        auto& row = add(request.m_vQueryRequest, 0);
+        row.setColumnClause(columns);
+        row.setTableClause(table);
+        row.setWhereClause(where);
+        row.setTreeId(treeId);
         return m_store->query(document(request, FOR_QUERY));
     }
     StoreResult tree(const char* table, ID id) { return query("", table, "", id); }
+    std::string found(const char* table, const std::string& where = "") {
+        return contents(query("*", table, where).reply);
+    }
 
     /// Adds a new record to its vector.
     template <class Record>

@@ -85,7 +85,10 @@ TEST(WriterTest, AJobThatBreaksTheTransactionTakesNobodyWithIt) {
     EXPECT_EQ(selectRecords<CSupport>(database, "").size(), static_cast<std::size_t>(CLIENTS * 9 / 10));
 }
 
-class ManyClientsTest : public StoreTest {};
+class ManyClientsTest : public StoreTest {
+  protected:
+    Database m_database{m_scratch.file("recovery.db")};
+};
 
 TEST_F(ManyClientsTest, EveryoneIsServed) {
     constexpr int ROUNDS = 10;
@@ -116,10 +119,7 @@ TEST_F(ManyClientsTest, EveryoneIsServed) {
             });
     }
     EXPECT_EQ(wrong, 0);
-    StoreResult all = query("*", CRegistryValue::TableName, "");
-    CZor rows;
-    read(all.reply, rows);
-    EXPECT_EQ(rows.m_vRegistryValue.size(), static_cast<std::size_t>(CLIENTS * ROUNDS));
+    EXPECT_EQ(selectRecords<CRegistryValue>(m_database, "").size(), std::size_t{CLIENTS * ROUNDS});
 }
 
 // As when the command line looks at the jobs of a server that works.
@@ -138,10 +138,7 @@ TEST_F(ManyClientsTest, ASecondProcessMayWriteToo) {
         const std::jthread other([&] { insert(second); });
     }
     EXPECT_EQ(failures, 0);
-    StoreResult all = query("*", CSupport::TableName, "");
-    CZor rows;
-    read(all.reply, rows);
-    EXPECT_EQ(rows.m_vSupport.size(), 100U);
+    EXPECT_EQ(selectRecords<CSupport>(m_database, "").size(), 100U);
 }
 
 } // namespace

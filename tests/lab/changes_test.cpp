@@ -17,17 +17,13 @@ class ChangesTest : public StoreTest {
             map.setP2VRestoreTaskId(task, false);
         }
     }
-    static CTransactionRequest& transactionOf(CZor& envelope, const Bytes& insert, const Bytes& update,
-                                              const Bytes& remove) {
+    StoreResult transact(const Bytes& insert, const Bytes& update, const Bytes& remove) {
+        CZor envelope;
         auto& request = add(envelope.m_vTransactionRequest, 1);
         request.setInsertXml(insert.data(), static_cast<unsigned>(insert.size()));
         request.setUpdateXml(update.data(), static_cast<unsigned>(update.size()));
         request.setDeleteXml(remove.data(), static_cast<unsigned>(remove.size()));
-        return request;
-    }
-    std::string all(const char* table) {
-        StoreResult result = query("*", table, "");
-        return contents(result.reply);
+        return m_store->transaction(document(envelope, FOR_TRANSACTION));
     }
 };
 
@@ -51,7 +47,7 @@ TEST_F(ChangesTest, InsertedRowsGetNumbersAndReferencesFollow) {
             EXPECT_TRUE(map->isConfigIdFromDb());
         }
     }
-    EXPECT_EQ(all(CDiskToDataStoreMap::TableName),
+    EXPECT_EQ(found(CDiskToDataStoreMap::TableName),
               "DiskToDataStoreMap 1, DiskToDataStoreMap 2, DiskToDataStoreMap 3, DiskToDataStoreMap 4, "
               "DiskToDataStoreMap 5, DiskToDataStoreMap 6");
 }
@@ -62,6 +58,7 @@ TEST_F(ChangesTest, ReferencesMayPointAnywhereAmongTheRows) {
     add(rows.m_vRegistryKey, 6).setRegistryKeyId(5);
     add(rows.m_vRegistryKey, 0); // several rows without a number are several rows
     add(rows.m_vRegistryKey, 0);
+    add(rows.m_vRegistryKey, 4).setFromDb(); // in the database already
     StoreResult result = m_store->insert(document(rows));
     CZor reply;
     read(result.reply, reply);
@@ -81,15 +78,7 @@ TEST_F(ChangesTest, ReferencesThatMeanNothingAreRefused) {
     addTask(ambiguous, 1, 1);
     addTask(ambiguous, 1, 0);
     EXPECT_EQ(m_store->insert(document(ambiguous)).status, STORE_BAD_REFERENCE);
-    EXPECT_EQ(all(CP2VRestoreTask::TableName), "");
-}
-
-TEST_F(ChangesTest, RowsOfTheDatabaseAreNotInserted) {
-    CZor rows;
-    add(rows.m_vConfig, 4).setFromDb();
-    add(rows.m_vConfig, 5);
-    StoreResult result = m_store->insert(document(rows));
-    EXPECT_EQ(contents(result.reply), "Config 1");
+    EXPECT_EQ(found(CP2VRestoreTask::TableName), "");
 }
 
 TEST_F(ChangesTest, UpdateAndDeleteGoById) {
@@ -106,9 +95,8 @@ TEST_F(ChangesTest, UpdateAndDeleteGoById) {
     EXPECT_EQ(m_store->del(document(changed)).status, STORE_OK);
     EXPECT_EQ(m_store->del(document(changed)).status, STORE_OK) << "gone already";
     EXPECT_EQ(m_store->update(document(changed)).status, STORE_NO_SUCH_ROW);
-    EXPECT_EQ(all(CEventLog::TableName), "EventLog 1, EventLog 3");
-    StoreResult names = query("*", CEventLog::TableName, "Name <> 'first'");
-    EXPECT_EQ(contents(names.reply), "");
+    EXPECT_EQ(found(CEventLog::TableName), "EventLog 1, EventLog 3");
+    EXPECT_EQ(found(CEventLog::TableName, "Name <> 'first'"), "");
 
     // A number is not given out again.
     CZor last;
@@ -116,8 +104,7 @@ TEST_F(ChangesTest, UpdateAndDeleteGoById) {
     ASSERT_TRUE(m_store->del(document(last)).ok());
     CZor another;
     add(another.m_vEventLog, 1);
-    StoreResult result = m_store->insert(document(another));
-    EXPECT_EQ(contents(result.reply), "EventLog 4");
+    EXPECT_EQ(contents(m_store->insert(document(another)).reply), "EventLog 4");
 }
 
 TEST_F(ChangesTest, ATransactionIsAllOrNothing) {
@@ -137,29 +124,19 @@ TEST_F(ChangesTest, ATransactionIsAllOrNothing) {
 
     CZor missing; // an update that can't be
     add(missing.m_vP2VRestoreTask, 99).setFromDb();
-    CZor failing;
-    transactionOf(failing, document(inserted), document(missing), document(removed));
-    EXPECT_EQ(m_store->transaction(document(failing, FOR_TRANSACTION)).status, STORE_NO_SUCH_ROW);
-    CZor garbled;
-    transactionOf(garbled, document(inserted), document(updated), {'<', 'x'});
-    EXPECT_EQ(m_store->transaction(document(garbled, FOR_TRANSACTION)).status, STORE_BAD_DOCUMENT);
-    EXPECT_EQ(all(CP2VRestoreTask::TableName), "P2VRestoreTask 1");
-    EXPECT_EQ(all(CDiskToDataStoreMap::TableName), "DiskToDataStoreMap 1, DiskToDataStoreMap 2");
+    EXPECT_EQ(transact(document(inserted), document(missing), document(removed)).status, STORE_NO_SUCH_ROW);
+    EXPECT_EQ(transact(document(inserted), document(updated), {'<', 'x'}).status, STORE_BAD_DOCUMENT);
+    EXPECT_EQ(m_store->transaction(document(inserted)).status, STORE_BAD_DOCUMENT) << "no transaction";
+    EXPECT_EQ(found(CP2VRestoreTask::TableName), "P2VRestoreTask 1");
+    EXPECT_EQ(found(CDiskToDataStoreMap::TableName), "DiskToDataStoreMap 1, DiskToDataStoreMap 2");
 
-    CZor good;
-    transactionOf(good, document(inserted), document(updated), document(removed));
-    StoreResult result = m_store->transaction(document(good, FOR_TRANSACTION));
+    const StoreResult result = transact(document(inserted), document(updated), document(removed));
     ASSERT_EQ(result.status, STORE_OK) << result.text;
     EXPECT_EQ(contents(result.reply), "P2VRestoreTask 2, DiskToDataStoreMap 3");
-    EXPECT_EQ(all(CP2VRestoreTask::TableName), "P2VRestoreTask 2");
-    StoreResult maps = query("*", CDiskToDataStoreMap::TableName, "P2VRestoreTaskId = 2");
-    EXPECT_EQ(contents(maps.reply), "DiskToDataStoreMap 2, DiskToDataStoreMap 3");
-
-    CZor empty;
-    transactionOf(empty, {}, {}, {});
-    EXPECT_TRUE(m_store->transaction(document(empty, FOR_TRANSACTION)).ok());
-    CZor none;
-    EXPECT_EQ(m_store->transaction(document(none)).status, STORE_BAD_DOCUMENT);
+    EXPECT_EQ(found(CP2VRestoreTask::TableName), "P2VRestoreTask 2");
+    EXPECT_EQ(found(CDiskToDataStoreMap::TableName, "P2VRestoreTaskId = 2"),
+              "DiskToDataStoreMap 2, DiskToDataStoreMap 3");
+    EXPECT_TRUE(transact({}, {}, {}).ok());
 }
 
 TEST_F(ChangesTest, LoadKeepsTheShapeWhateverTheFlags) {
@@ -176,9 +153,8 @@ TEST_F(ChangesTest, LoadKeepsTheShapeWhateverTheFlags) {
     ASSERT_TRUE(result.ok());
     EXPECT_NE(result.text.find("1 reference"), std::string::npos) << result.text;
     EXPECT_EQ(rows.m_vSystem[1]->getConfigId(), 2U);
-    StoreResult systems = query("*", CSystem::TableName, "ConfigId = 2 AND Hostname = 'host101'");
-    EXPECT_EQ(contents(systems.reply), "System 2");
-    EXPECT_EQ(contents(query("*", CConfigPackage::TableName, "PackageId = 0").reply), "ConfigPackage 1");
+    EXPECT_EQ(found(CSystem::TableName, "ConfigId = 2 AND Hostname = 'host101'"), "System 2");
+    EXPECT_EQ(found(CConfigPackage::TableName, "PackageId = 0"), "ConfigPackage 1");
 }
 
 TEST_F(ChangesTest, ProfilesAreFoundAndDeletedByName) {

@@ -78,7 +78,7 @@ TEST_F(CommandLineTest, FailuresNameTheCulprit) {
         int status;
         const char* complaint;
     } cases[] = {
-        {{}, 2, "subcommand"},
+        {{}, 2, "A command (init"},
         {{"dance"}, 2, "dance"},
         {{"serve"}, 2, "DIR is required"},
         {{"serve", m_lab, "--fail", "query=boo"}, 2, "\"boo\" is no effect"},
@@ -119,7 +119,7 @@ TEST_F(CommandLineTest, ServesUntilItIsTold) {
     }
     ::close(out[1]);
     char line[16] = {};
-    EXPECT_EQ(::read(out[0], line, sizeof line - 1), 6);
+    ASSERT_EQ(::read(out[0], line, sizeof line - 1), 6);
     EXPECT_STREQ(line, "ready\n");
     EXPECT_EQ(run({"serve", m_lab}), 1); // the ports are taken
     EXPECT_NE(m_err.find("zord cannot listen on 127.0.0.1 port"), std::string::npos) << m_err;

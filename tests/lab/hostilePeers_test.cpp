@@ -117,7 +117,6 @@ TEST(HostilePeers, ATooLargeDocumentIsRefusedWithAStatus) {
 
 TEST(HostilePeers, SilentOnesLoseTheirPlace) {
     ServedLab lab({}, {.opening = 300ms, .exchange = 300ms});
-    std::vector<Suite::Descriptor*> idle;
     std::vector<std::unique_ptr<Suite::Descriptor>> all;
     for (std::size_t i = 0; i < Server::MAX_CONNECTIONS + 20; ++i)
         all.push_back(std::make_unique<Suite::Descriptor>(lab.connect("zord").release()));

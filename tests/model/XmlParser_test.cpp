@@ -2,9 +2,12 @@
 #include "model/XmlParser.h"
 
 #include <clocale>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace Zorvane {
 namespace {
@@ -151,6 +154,12 @@ TEST_F(XmlParserTest, ResultsTellWhatWentWrong) {
     EXPECT_EQ(writer.AppendValue("Field", L"wide"), 0);
     EXPECT_EQ(writer.parse(nullptr, 5), 1);
     EXPECT_EQ(writer.parse(&byte, 0), 1);
+    writer.releaseDocument();
+    EXPECT_EQ(writer.write(), XML_WRITE_FAILED);
+
+    Parsed reused("<r><o/></r>");
+    EXPECT_EQ(reused.parser.parse(&byte, 1), XML_NOT_WELL_FORMED);
+    EXPECT_EQ(reused.parser.initChildren(), 1) << "nothing points into the first document any more";
 
     Parsed empty("");
     EXPECT_EQ(empty.parser.initChildren(), 1);
@@ -188,6 +197,7 @@ TEST_F(XmlParserTest, TheWalkSkipsTextAndEndsAtAComment) {
     ASSERT_EQ(p.parser.initChildren(), 0);
     EXPECT_EQ(*p.parser.firstObjectTag(), "a");
     EXPECT_EQ(p.parser.firstValueTag(), nullptr);
+    EXPECT_EQ(p.parser.nextValueTag(), nullptr) << "the values of one object are not the next object";
     EXPECT_EQ(*p.parser.nextObjectTag(), "b");
     EXPECT_EQ(*p.parser.firstValueTag(), "c");
     EXPECT_EQ(*p.parser.nextValueTag(), "d");
@@ -195,6 +205,24 @@ TEST_F(XmlParserTest, TheWalkSkipsTextAndEndsAtAComment) {
     EXPECT_EQ(p.parser.nextObjectTag(), nullptr);
     EXPECT_EQ(p.parser.getRootName(), "r");
 }
+
+#ifndef __SANITIZE_ADDRESS__ // its shadow is larger than any limit
+TEST_F(XmlParserTest, LackOfMemoryIsToldAsSuch) {
+    const auto fillMemory = [] {
+        const rlimit limit{1U << 28, 1U << 28};
+        setrlimit(RLIMIT_AS, &limit);
+        try {
+            XmlParser writer;
+            writer.AppendElement("Row");
+            for (const std::string text(100000, 'x');;)
+                writer.AppendValue("Field", text);
+        } catch (const std::bad_alloc&) {
+            std::_Exit(10);
+        }
+    };
+    EXPECT_EXIT(fillMemory(), testing::ExitedWithCode(10), "");
+}
+#endif
 
 TEST_F(XmlParserTest, TheDocumentDeclaresItsNamespaceOnce) {
     XmlParser writer;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ops/FakeZord.h"
+#include "ops/client_utils.h"
 #include "ops/pullRetry.h"
 #include "ops/zorop.h"
 
@@ -25,33 +26,16 @@ struct Expectation {
     const char* what;
 };
 const Expectation EXPECTATIONS[] = {
-    {1, {1, 2, 16}, PARAMETERS},
-    {1, {6}, BOOT_METHOD},
-    {2, {5, 6}, BOOT_METHOD},
-    {3, {5, 6}, BOOT_METHOD},
-    {4, {5, 6}, BOOT_METHOD},
-    {5, {4, 8, 9, 15, 17, 22}, METHOD},
-    {5, {5, 6}, BOOT_METHOD},
-    {5, {10}, PARAMETERS},
-    {6, {4}, METHOD},
-    {6, {5}, BOOT_METHOD},
-    {7, {3, 7}, PARAMETERS},
-    {8, {4, 8}, PARAMETERS},
-    {9, {9}, METHOD},
-    {10, {10}, PARAMETERS},
-    {11, {10}, PARAMETERS},
-    {12, {10}, PARAMETERS},
-    {13, {10}, PARAMETERS},
-    {17, {3}, PARAMETERS},
-    {18, {11, 13, 20}, METHOD},
-    {19, {4, 23}, METHOD},
-    {20, {11, 13, 20}, PARAMETERS},
-    {22, {19}, BOOT_METHOD},
-    {23, {19}, BOOT_METHOD},
-    {24, {19}, BOOT_METHOD},
-    {25, {20}, METHOD},
-    {26, {22}, METHOD},
+    // clang-format off
+    {1, {1, 2, 16}, PARAMETERS}, {1, {6}, BOOT_METHOD},  {2, {5, 6}, BOOT_METHOD}, {3, {5, 6}, BOOT_METHOD},
+    {4, {5, 6}, BOOT_METHOD},    {5, {5, 6}, BOOT_METHOD}, {5, {4, 8, 9, 15, 17, 22}, METHOD},
+    {5, {10}, PARAMETERS},       {6, {4}, METHOD},       {6, {5}, BOOT_METHOD},    {7, {3, 7}, PARAMETERS},
+    {8, {4, 8}, PARAMETERS},     {9, {9}, METHOD},       {10, {10}, PARAMETERS},   {11, {10}, PARAMETERS},
+    {12, {10}, PARAMETERS},      {13, {10}, PARAMETERS}, {17, {3}, PARAMETERS},    {18, {11, 13, 20}, METHOD},
+    {19, {4, 23}, METHOD},       {20, {11, 13, 20}, PARAMETERS}, {22, {19}, BOOT_METHOD},
+    {23, {19}, BOOT_METHOD},     {24, {19}, BOOT_METHOD}, {25, {20}, METHOD},      {26, {22}, METHOD},
     {27, {9}, METHOD},
+    // clang-format on
 };
 
 std::string expected(int operation, int resource) {
@@ -101,30 +85,16 @@ TEST(zorop, everyOperationKnowsItsResources) {
 }
 
 TEST(zorop, tellsOfFailuresInTheLog) {
-    const struct {
-        int operation;
-        int resource;
-        const char* text;
-    } cases[] = {
-        {1, 3, "Bad resource for create operation"},
-        {9, 4, "Bad resource for prepare operation"},
-        {22, 5, "Bad resource for allocate operation"},
-        {24, 5, "Bad resource for allocate operation"},
-        {25, 22, "Bad resource for b2v operation."},
-        {26, 20, "Bad resource for b2v operation."},
-        {27, 3, "Bad resource for restore operation."},
-        {28, 3, "Bad operation to zorops"},
-        {0, 3, "Bad operation to zorops"},
-        {15, 10, "Bad operation to zorops"},
-        {14, 3, "Destroy operation not supported"},
-    };
-    for (const auto& test : cases) {
-        FakeZord zord;
-        ZorOps(test.operation, test.resource, "parameter");
-        EXPECT_THAT(zord.log(), HasSubstr(test.text));
-        EXPECT_THAT(zord.log(), Not(HasSubstr("diag"))) << "nothing for the administrator";
-        EXPECT_TRUE(zord.heard().empty());
-    }
+    FakeZord bad;
+    ZorOps(9, 4, "parameter");
+    ZorOps(24, 5, "parameter");
+    ZorOps(15, 10, "parameter");
+    ZorOps(14, 3, "parameter");
+    const std::string label = "debug 1 zorop:ZorOpProcess() ";
+    EXPECT_THAT(bad.scratch().logLines(128),
+                ElementsAre(label + "Bad resource for prepare operation",
+                            label + "Bad resource for allocate operation", label + "Bad operation to zorops",
+                            label + "Destroy operation not supported"));
     FakeZord network;
     EXPECT_EQ(ZorOps(ZOROP_DELETE, ZOROP_CLIENT, "alpha"), 200);
     EXPECT_THAT(network.log(), HasSubstr("diag 1 zorop:ZorOpProcess() [128:749]"));
@@ -160,15 +130,6 @@ TEST(zorop, methodsCarryTheirParameters) {
                             method(27, 9, {"1", "1", "1", "1", "1", "6"})));
 }
 
-TEST(zorop, methodsRefuseWhatIsNoText) {
-    FakeZord zord(METHOD_DONE);
-    unsigned char block[] = {'x'};
-    EXPECT_EQ(ZorOps(ZOROP_DELETE, ZOROP_CONFIG, block, 1), 203);
-    EXPECT_EQ(ZorOps(ZOROP_DELETE, ZOROP_CONFIG, static_cast<const char*>(nullptr), 1), 203);
-    EXPECT_EQ(ZorOps(ZOROP_DELETE, ZOROP_CONFIG, "`reboot`"), -1);
-    EXPECT_THAT(zord.heard(), ElementsAre(""));
-}
-
 TEST(zorop, handsOutTheOutputOfMethods) {
     FakeZord zord(packet(24, i(0) + i(2)) + "line 1\nline 2\n");
     std::stringstream output;
@@ -188,87 +149,57 @@ TEST(zorop, handsOutTheOutputOfMethods) {
     EXPECT_EQ(out, nullptr) << "a plain method drops it";
 }
 
-TEST(zorop, exchangesGetTheirParameters) {
-    unsigned char block[] = {'1', '2', '3'};
+TEST(zorop, refusesMissingAndWrongParametersWithoutAConnection) {
+    FakeZord zord;
+    constexpr const char* NONE = nullptr;
+    unsigned char block[] = {'x'};
     const struct {
-        std::function<int()> run;
-        std::string reply;
-        std::string request;
+        int operation;
+        int resource;
+        ZorOpParameters parameters;
     } cases[] = {
-        {[&] { return ZorOps(ZOROP_DELETE, ZOROP_DB, block, 3); }, packet(23, c(0) + i(0)),
-         packet(22, i(5) + i(3)) + "123"},
-        {[&] { return ZorOps(ZOROP_UPDATE, ZOROP_DB, "123", 3); }, packet(23, c(0) + i(0)),
-         packet(22, i(13) + i(3)) + "123"},
-        {[] { return ZorOps(ZOROP_CREATE, ZOROP_MESSAGE, "alpha", "!", "text"); }, packet(16, c(0)),
-         packet(7, c('!') + s(5) + S("alpha")) + S("text")},
-        {[&] { return ZorOps(ZOROP_IMPORT, ZOROP_PACKAGE, std::string("alpha"), "config", block, 2, true); },
-         packet(18, c(0)), packet(17, i(2) + S("config") + S("alpha") + i(8)) + "12"},
-        {[] { return ZorOps(ZOROP_IMPORT, ZOROP_CONFIG, "alpha", "config", "123", 2, true); },
-         packet(18, c(0)), packet(17, i(2) + S("config") + S("alpha") + i(4)) + "12"},
-        {[&] { return ZorOps(ZOROP_PUSH, ZOROP_INFO, std::string("alpha"), "config", "file", block, 3); },
-         packet(13, c(0)), packet(12, i(3) + S("file") + S("config") + S("alpha")) + "123"},
-        {[&] { return ZorOps(ZOROP_PUSH, ZOROP_INFO, "alpha", "config", "file", block, 3); },
-         packet(13, c(0)), packet(12, i(3) + S("file") + S("config") + S("alpha")) + "123"},
-        {[] { return ZorOps(ZOROP_PULL, ZOROP_PROCEDURE, "/dev/null", "source", "alpha"); },
-         packet(15, c(0) + i(0) + i(0)), packet(21, S("source") + S("alpha"))},
-        {[] { return ZorOps(ZOROP_CHANGE, ZOROP_RESTORETASK, "alpha", "ACTIVE", "17"); }, packet(27, c(0)),
-         packet(26, i(11) + S("alpha") + i(2) + i(17))},
-        {[] { return ZorOps(ZOROP_CHANGE, ZOROP_B2VRESTORETASK, "alpha", "5", "FORMATING"); },
-         packet(27, c(0)), packet(26, i(20) + S("alpha") + i(5) + i(5))},
-        {[] { return ZorOps(ZOROP_CHANGE, ZOROP_B2VRESTORETASK, std::string("alpha"), "active", 3); },
-         packet(27, c(0)), packet(26, i(20) + S("alpha") + i(0) + i(3))},
+        {1, 1, {NONE}},
+        {1, 2, {"1", "2"}},
+        {1, 16, {"1", "2", "3", "4"}},
+        {5, 4, {block, 1}},
+        {5, 4, {"1", NONE}},
+        {5, 10, {NONE, 5}},
+        {7, 3, {"1", "2"}},
+        {7, 3, {"1", NONE, "3"}},
+        {8, 4, {"1", "2", NONE, 1, 1}},
+        {10, 10, {"1", "2"}},
+        {17, 3, {"1", "2", "3", "4"}},
+        {20, 11, {"1", "2"}},
+        {20, 11, {NONE, "1", "1"}},
     };
-    for (const auto& test : cases) {
-        FakeZord zord(test.reply);
-        EXPECT_EQ(test.run(), 0);
-        EXPECT_EQ(zord.heardOnce(), test.request);
-    }
-    FakeZord zord;
-    EXPECT_EQ(ZorOps(ZOROP_CREATE, ZOROP_ERROR, "one", std::string("two"), 7, 1), 0);
-    EXPECT_EQ(zord.heardOnce().substr(0, 20), s(25) + s(4072) + i(7) + i(4) + S("one") + S("two"));
-}
-
-TEST(zorop, exchangesRefuseMissingAndWrongParameters) {
-    FakeZord zord;
-    const std::string text = "1";
-    const char* null = nullptr;
-    EXPECT_EQ(ZorOps(ZOROP_CREATE, ZOROP_MESSAGE, text, text), 203);
-    EXPECT_EQ(ZorOps(ZOROP_CREATE, ZOROP_LOG, null), 203);
-    EXPECT_EQ(ZorOps(ZOROP_CREATE, ZOROP_ERROR, text, text, text, text), 203);
-    EXPECT_EQ(ZorOps(ZOROP_QUERY, ZOROP_DB, text, text), 203);
-    EXPECT_EQ(ZorOps(ZOROP_QUERY, ZOROP_DB, null, 5), 203);
-    EXPECT_EQ(ZorOps(ZOROP_PULL, ZOROP_INFO, text, text), 203);
-    EXPECT_EQ(ZorOps(ZOROP_PULL, ZOROP_INFO, "1", null, "1"), 203);
-    EXPECT_EQ(ZorOps(ZOROP_IMPORT, ZOROP_CONFIG, "1", "1", null, 1, true), 203);
-    EXPECT_EQ(ZorOps(ZOROP_PUSH, ZOROP_INFO, text, text, text, text), 203);
-    EXPECT_EQ(ZorOps(ZOROP_CHANGE, ZOROP_RESTORETASK, text, text), 203);
-    EXPECT_EQ(ZorOps(ZOROP_CHANGE, ZOROP_RESTORETASK, null, "1", "1"), 203);
+    for (const auto& test : cases)
+        EXPECT_EQ(ZorOpProcess(test.operation, test.resource, test.parameters, nullptr, nullptr, nullptr),
+                  203)
+            << test.operation << ' ' << test.resource;
+    EXPECT_EQ(SendChangeRequest(9, "alpha", 1, 1), 203);
+    EXPECT_EQ(SendChangeRequest(20, "alpha", -1, 1), 203);
+    EXPECT_EQ(SendChangeRequest(20, "alpha", 1, -1), 203);
+    EXPECT_EQ(SendDbRequest(-1, block, 1, nullptr, nullptr), 203);
     EXPECT_TRUE(zord.heard().empty());
 }
 
 TEST(zorop, pullsAreTriedThreeTimes) {
-    const struct {
-        std::vector<int> results;
-        int expected;
-        int pauses;
-    } cases[] = {
-        {{0}, 0, 0}, {{7}, 7, 0}, {{200, 0}, 0, 1}, {{200, 200, 204}, 204, 2}, {{200, 200, 200}, 200, 3},
+    const std::pair<std::vector<int>, std::size_t> cases[] = {
+        {{0}, 0}, {{7}, 0}, {{200, 0}, 1}, {{200, 200, 204}, 2}, {{200, 200, 200}, 3},
     };
-    for (const auto& test : cases) {
+    for (const auto& [results, expectedPauses] : cases) {
         FakeZord zord;
-        std::size_t attempt = 0;
-        int pauses = 0;
-        EXPECT_EQ(retryPull([&] { return test.results.at(attempt++); },
-                            [&](std::chrono::seconds pause) {
-                                EXPECT_EQ(pause.count(), 5);
-                                ++pauses;
-                            }),
-                  test.expected);
-        EXPECT_EQ(attempt, test.results.size());
-        EXPECT_EQ(pauses, test.pauses);
-        EXPECT_EQ(zord.log().find("Network failure experienced. Waiting for 5 seconds before retrying.") !=
-                      std::string::npos,
-                  pauses > 0);
+        std::size_t attempts = 0;
+        std::size_t pauses = 0;
+        const auto attempt = [&, &given = results] { return given.at(attempts++); };
+        const auto pause = [&](std::chrono::seconds length) { pauses += length.count() == 5 ? 1 : 0; };
+        EXPECT_EQ(retryPull(attempt, pause), results.back());
+        EXPECT_EQ(attempts, results.size());
+        EXPECT_EQ(pauses, expectedPauses);
+        EXPECT_EQ(zord.scratch().logLines(128),
+                  std::vector<std::string>(pauses,
+                                           "debug 1 pullRetry:retryPull() Network failure experienced. "
+                                           "Waiting for 5 seconds before retrying."));
     }
 }
 

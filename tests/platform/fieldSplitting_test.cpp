@@ -3,8 +3,7 @@
 #include "platform/inLocale.h"
 #include "platform/returnCodes.h"
 
-namespace Zorvane {
-namespace {
+using namespace Zorvane;
 
 using Fields = std::vector<std::string>;
 
@@ -14,16 +13,17 @@ TEST(FieldSplitting, Cutting) {
         const char *input, *delimiters;
         int rc;
         Fields fields;
-    } const cases[] = {{Tokenize, "a::b:", ":", ZOR_SUCCESS, {"a", "", "b", ""}},
-                       {Tokenize, "a:b;c", ":;", ZOR_SUCCESS, {"a", "b;c"}}, // the first delimiter only
-                       {Tokenize, "whole", "", ZOR_SUCCESS, {"whole"}},
-                       {Tokenize, "", ":", ZOR_FAIL, {}},
-                       {Split, "  a  b\n", " ", ZOR_SUCCESS, {"a", "b"}},
-                       {Split, "a\n\n b\r\n", " ", ZOR_SUCCESS, {"a", "b\r"}},
-                       {Split, "a \n", " ", ZOR_SUCCESS, {"a"}}, // a token of line feeds only is none
-                       {Split, "::a\nb;c::", ":;", ZOR_SUCCESS, {"a\nb", "c"}},
-                       {Split, ":::", ":", ZOR_SUCCESS, {}},
-                       {Split, "", ":", ZOR_FAIL, {"old"}}}; // refused before the vector is cleared
+    } const cases[] = {
+        {Tokenize, "a::b:;", ":;", ZOR_SUCCESS, {"a", "", "b", ";"}}, // the first delimiter only
+        {Tokenize, "b:", ":", ZOR_SUCCESS, {"b", ""}},
+        {Tokenize, "whole", "", ZOR_SUCCESS, {"whole"}},
+        {Tokenize, "", ":", ZOR_FAIL, {}},
+        {Split, "  a  b\n", " ", ZOR_SUCCESS, {"a", "b"}},
+        {Split, "a\n\n b\r\n", " ", ZOR_SUCCESS, {"a", "b\r"}},
+        {Split, "a \n", " ", ZOR_SUCCESS, {"a"}}, // a token of line feeds only is none
+        {Split, "::a\nb;c::", ":;", ZOR_SUCCESS, {"a\nb", "c"}},
+        {Split, ":::", ":", ZOR_SUCCESS, {}},
+        {Split, "", ":", ZOR_FAIL, {"old"}}}; // refused before the vector is cleared
     for (const auto& c : cases) {
         Fields fields = {"old"};
         EXPECT_EQ(c.cut(c.input, c.delimiters, fields, true), c.rc) << c.input;
@@ -32,22 +32,16 @@ TEST(FieldSplitting, Cutting) {
 }
 
 TEST(FieldSplitting, AtOneCharacter) {
-    struct {
-        int (*cut)(const std::string&, char, std::string&, std::string&);
-        const char* input;
-        int rc;
-        const char *left, *right;
-    } const cases[] = {{StrSplitAtFirst, "a=b=c", ZOR_SUCCESS, "a", "b=c"},
-                       {StrSplitAtFirst, "=a", ZOR_SUCCESS, "", "a"},
-                       {StrSplitAtFirst, "none", ZOR_FAIL, "l", "r"},
-                       {StrSplitAtLast, "a=b=c", ZOR_SUCCESS, "a=b", "c"}};
-    for (const auto& c : cases) {
-        std::string left = "l";
-        std::string right = "r";
-        EXPECT_EQ(c.cut(c.input, '=', left, right), c.rc) << c.input;
-        EXPECT_EQ(left, c.left);
-        EXPECT_EQ(right, c.right);
-    }
+    std::string left = "l";
+    std::string right = "r";
+    EXPECT_EQ(StrSplitAtFirst("none", '=', left, right), ZOR_FAIL);
+    EXPECT_EQ(left + right, "lr") << "left as they were";
+    EXPECT_EQ(StrSplitAtFirst("a=b=c", '=', left, right), ZOR_SUCCESS);
+    EXPECT_EQ(left + ' ' + right, "a b=c");
+    EXPECT_EQ(StrSplitAtLast("a=b=c", '=', left, right), ZOR_SUCCESS);
+    EXPECT_EQ(left + ' ' + right, "a=b c");
+    EXPECT_EQ(StrSplitAtFirst("=a", '=', left, right), ZOR_SUCCESS);
+    EXPECT_EQ(left, "");
 }
 
 TEST(FieldSplitting, FieldOfALine) {
@@ -61,19 +55,15 @@ TEST(FieldSplitting, FieldOfALine) {
                        {"a", ":", ~0U, nullptr},  {"one\ntwo", "\n", 1, "one"}};
     for (const auto& c : cases) {
         std::string out = "old";
-        EXPECT_EQ(GetFieldFromLine(c.line, c.separators, c.field, out), c.out ? ZOR_SUCCESS : ZOR_FAIL)
-            << c.line;
+        EXPECT_EQ(GetFieldFromLine(c.line, c.separators, c.field, out) == ZOR_SUCCESS, !!c.out) << c.line;
         EXPECT_EQ(out, c.out ? c.out : "") << c.line;
     }
     EXPECT_EQ(StrInStringList("two", "one, two", ", "), 1);
     EXPECT_EQ(StrInStringList("Two", "one, two", ", "), 0);
-    EXPECT_EQ(StrInStringList("", "one", ","), 0);
 }
 
 // 0xC3 is a letter here, and half of one in UTF-8: the result must come back in one byte each.
 TEST(FieldSplitting, Latin1) {
-    if (!canMakeLatin1())
-        GTEST_SKIP();
     checkInLocale(LATIN1_LOCALE, [] {
         Fields fields;
         EXPECT_EQ(Split("\xe9t\xe9 \xc3", " ", fields, true), ZOR_SUCCESS);
@@ -81,6 +71,3 @@ TEST(FieldSplitting, Latin1) {
         EXPECT_EQ(StrInStringList("\xe9", "a,\xe9", ","), 1);
     });
 }
-
-} // namespace
-} // namespace Zorvane

@@ -36,8 +36,10 @@ inline bool enterLocale(const std::string& locale) {
     return entered;
 }
 
-/// Runs the checks in a fresh process, with the locale set before them.
+/// Runs the checks in a fresh process, with the locale set before them; skips the test where there is none.
 inline void checkInLocale(const char* locale, void (*checks)()) {
+    if (std::string(locale).ends_with("ISO-8859-1") && !canMakeLatin1())
+        GTEST_SKIP();
     const auto run = [&] {
         EXPECT_TRUE(enterLocale(locale)) << locale;
         checks();

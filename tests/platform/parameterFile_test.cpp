@@ -6,38 +6,32 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace Zorvane {
-namespace {
+using namespace Zorvane;
 
 TEST(ParameterFile, Value) {
-    struct {
-        const char* content;
-        int rc;
-        const char* value;
-    } const cases[] = {{"Name \t=  a b \t\r\n", ZOR_SUCCESS, "a b"},
-                       {"Name value", ZOR_SUCCESS, "value"},     // the separator may be missing
-                       {"Name== =\"q\"", ZOR_SUCCESS, "=\"q\""}, // one run of separators, no quotes
-                       {"NameOther=no\nName=1\nName=2", ZOR_SUCCESS, "1"},
-                       {"name=value\n Name=value", ZOR_FAIL, "old"},
-                       {"", ZOR_FAIL, "old"}};
-    for (const auto& c : cases) {
-        std::istringstream stream(c.content);
+    const std::pair<const char*, const char*> cases[] = {
+        {"Name \t=  a b \t\r\n", "a b"},
+        {"Name value", "value"},     // the separator may be missing
+        {"Name== =\"q\"", "=\"q\""}, // one run of separators, no quotes
+        {"NameOther=no\nName=1\nName=2", "1"},
+        {"name=value\n Name=value", nullptr}};
+    for (const auto& [content, expected] : cases) {
+        std::istringstream stream(content);
         std::string value = "old";
-        EXPECT_EQ(GetParameterValueFromFileStream(stream, "Name", value, "="), c.rc) << c.content;
-        EXPECT_EQ(value, c.value) << c.content;
+        EXPECT_EQ(GetParameterValueFromFileStream(stream, "Name", value, "="),
+                  expected ? ZOR_SUCCESS : ZOR_FAIL);
+        EXPECT_EQ(value, expected ? expected : "old") << content;
     }
     for (const char* content : {"Name", "Name  \n", "Name=\n", "Name =\t\r\n"}) {
         std::istringstream stream(content);
         std::string value;
-        EXPECT_THROW(GetParameterValueFromFileStream(stream, "Name", value, "="), std::out_of_range)
-            << content;
+        EXPECT_THROW(GetParameterValueFromFileStream(stream, "Name", value, "="), std::out_of_range);
     }
 }
 
 TEST(ParameterFile, UnusableStreams) {
     std::string text = "old";
     EXPECT_EQ(GetParameterValueFromFile("/nonexistent", "Name", text, "="), ZOR_ERROR);
-    EXPECT_EQ(GetParameterValueFromFile("/tmp", "Name", text, "="), ZOR_FAIL) << "a directory opens and ends";
     std::istringstream bad;
     bad.setstate(std::ios::badbit);
     EXPECT_EQ(GetParameterValueFromFileStream(bad, "Name", text, "="), ZOR_ERROR);
@@ -51,12 +45,12 @@ TEST(ParameterFile, Line) {
         const char* content;
         int location, caseFlag;
         const char *pattern, *line;
-    } const cases[] = {{"one\nThe Two\n", LINE_CONTAINS, 1, "two", ""}, // no failure
-                       {"one\nThe Two\n", LINE_CONTAINS, 0, "tWO", "The Two"},
-                       {"a Name\nName b", LINE_BEGINS_WITH, 1, "Name", "Name b"},
-                       {"end no\nthe end", LINE_ENDS_WITH, 1, "end", "the end"},
-                       {"end to end\n", LINE_ENDS_WITH, 1, "end", ""}, // the first occurrence decides
-                       {"end\n", 3, 1, "end", ""}};
+    } const cases[] = {
+        {"one\nThe Two\n", LINE_CONTAINS, 1, "two", ""}, // no failure
+        {"one\nThe Two\n", LINE_CONTAINS, 0, "tWO", "The Two"},
+        {"a Name\nName b", LINE_BEGINS_WITH, 1, "Name", "Name b"},
+        {"end to end\nthe end", LINE_ENDS_WITH, 1, "end", "the end"}, // its first occurrence decides
+        {"end\n", 3, 1, "end", ""}};
     for (const auto& c : cases) {
         std::istringstream stream(c.content);
         std::string line = "old";
@@ -66,8 +60,6 @@ TEST(ParameterFile, Line) {
 }
 
 TEST(ParameterFile, Latin1) {
-    if (!canMakeLatin1())
-        GTEST_SKIP();
     checkInLocale(LATIN1_LOCALE, [] {
         std::istringstream stream("\xc9=\xe9\nLieu: \xe9\n");
         std::string text;
@@ -77,6 +69,3 @@ TEST(ParameterFile, Latin1) {
         EXPECT_EQ(text, "Lieu: \xe9");
     });
 }
-
-} // namespace
-} // namespace Zorvane

@@ -6,8 +6,7 @@
 
 #include <gtest/gtest.h>
 
-namespace Zorvane {
-namespace {
+using namespace Zorvane;
 
 TEST(PathManipulation, Cutting) {
     struct {
@@ -16,13 +15,10 @@ TEST(PathManipulation, Cutting) {
         const char *normalized, *directory, *file, *stem, *extension;
     } const cases[] = {{"//", 0, "/", "/", "", "", ""},
                        {"///", 0, "", ".", "", "", ""},
-                       {"", 0, "", ".", "", "", ""},
                        {"/name", 0, "/name", "/", "name", "name", ""},
-                       {"name", 0, "name", ".", "name", "name", ""},
-                       {"/a.d/b", 0, "/a.d/b", "/a.d", "b", "b", ""},
-                       {"/a/c.tar.gz", '/', "/a/c.tar.gz", "/a", "c.tar.gz", "c.tar", "gz"},
                        {".x", 0, ".x", ".", ".x", "", "x"},
-                       {"C:\\dir\\f.sys", '\\', "C:\\dir\\f.sys", "C:\\dir", "f.sys", "f", "sys"},
+                       {"/a.d//b", 0, "/a.d/b", "/a.d", "b", "b", ""},
+                       {"/a/c.tar.gz", '/', "/a/c.tar.gz", "/a", "c.tar.gz", "c.tar", "gz"},
                        {"\\f", '\\', "\\f", "/", "f", "f", ""}}; // "/" whatever the separator
     for (const auto& c : cases) {
         EXPECT_EQ(NormalizePathSeparators(c.path, c.separator), c.normalized) << c.path;
@@ -41,27 +37,23 @@ TEST(PathManipulation, Canonical) {
     std::filesystem::create_directory("here");
     std::filesystem::create_symlink("/usr", "link");
     const std::string here = folder;
-    const struct {
-        const char* path;
-        std::string canonical;
-    } cases[] = {{"/", ""},
-                 {"/a/../b/.", "/b"},
-                 {"/../..//a", "/a"},
-                 {"C:", "C:/"},
-                 {"gone/..", ""},
-                 {"gone/../x", "x/"},
-                 {"./link/../here/", here + "/here"}, // links are not followed
-                 {".hidden", here + "/.hidden"},
-                 {"../x", "/tmp/x"}};
-    for (const auto& c : cases) {
-        std::string path = c.path;
-        EXPECT_EQ(canonicalizePath(path, path), ZOR_SUCCESS) << c.path;
-        EXPECT_EQ(path, c.canonical) << c.path;
+    const std::pair<const char*, std::string> cases[] = {
+        {"/", ""},
+        {"/../a/../b/.//c", "/b/c"},
+        {"C:", "C:/"},
+        {"gone/..", ""},
+        {"gone/../x/y", "x/y"},
+        {"./link/../here/", here + "/here"}, // links are not followed
+        {".hidden", here + "/.hidden"}};
+    for (const auto& [given, canonical] : cases) {
+        std::string path = given;
+        EXPECT_EQ(canonicalizePath(path, path), ZOR_SUCCESS) << given;
+        EXPECT_EQ(path, canonical) << given;
     }
     EXPECT_EQ(comparePaths("here", "./here/"), 1);
     EXPECT_EQ(comparePaths("/a", "/A"), 0);
     EXPECT_EQ(comparePaths("", ""), 1);
-    EXPECT_EQ(comparePaths("", "/a"), 0);
+    EXPECT_EQ(comparePaths("", "/"), 0);
 
     std::filesystem::remove_all(folder);
     std::string path;
@@ -70,6 +62,3 @@ TEST(PathManipulation, Canonical) {
     EXPECT_EQ(comparePaths("./x", "./x"), 1);
     std::filesystem::current_path(before);
 }
-
-} // namespace
-} // namespace Zorvane

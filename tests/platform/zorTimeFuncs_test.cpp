@@ -22,22 +22,10 @@ class TimeFuncs : public testing::Test {
 };
 
 TEST_F(TimeFuncs, TextToTicks) {
-    struct {
-        const char *date, *time;
-        std::time_t ticks;
-    } const cases[] = {{"01/02/2020", "03:04:05", MIDNIGHT + 11045},
-                       {"1/2/2020", nullptr, MIDNIGHT},
-                       {"02/30/2020", "00:00:00", 0},
-                       {nullptr, "00:00:00", 0},
-                       {nullptr, nullptr, 0},
-                       {"2020-01-02", nullptr, 0}};
-    for (const auto& c : cases)
-        EXPECT_EQ(TimeStringToTicks(c.date, c.time, 0), c.ticks) << (c.date ? c.date : "null");
-}
-
-TEST_F(TimeFuncs, LocaleForm) {
-    if (!canMakeLatin1())
-        GTEST_SKIP();
+    EXPECT_EQ(TimeStringToTicks("01/02/2020", "03:04:05", 0), MIDNIGHT + 11045);
+    EXPECT_EQ(TimeStringToTicks("1/2/2020", nullptr, 0), MIDNIGHT);
+    EXPECT_EQ(TimeStringToTicks("02/30/2020", "00:00:00", 0), 0);
+    EXPECT_EQ(TimeStringToTicks(nullptr, "00:00:00", 0), 0);
     checkInLocale("en_GB.ISO-8859-1", [] {
         EXPECT_EQ(TimeStringToTicks("02/01/2020", "00:00:00", TIME_LOCALE_FORM), MIDNIGHT);
         EXPECT_EQ(TimeStringToTicks("01/02/2020", "00:00:00", ~TIME_LOCALE_FORM), MIDNIGHT);
@@ -45,27 +33,22 @@ TEST_F(TimeFuncs, LocaleForm) {
 }
 
 TEST_F(TimeFuncs, DateToTicks) {
-    struct {
-        const char* date;
-        std::time_t ticks;
-    } const cases[] = {{"1/2/2020", MIDNIGHT},
-                       {"01/02/2020", MIDNIGHT},
-                       {"1/2/2020x", MIDNIGHT},
-                       {"1/2", 0},
-                       {"1/2/2020/3", 0},
-                       {"", 0},
-                       {"a/b/c", DateToEpoch(0, 0, 0)},
-                       {"-2147483648/1/-2147483648", -1}};
-    for (const auto& c : cases)
-        EXPECT_EQ(DateToEpoch2(c.date), c.ticks) << c.date;
+    const std::pair<const char*, std::time_t> cases[] = {{"1/2/2020", MIDNIGHT},
+                                                         {"01/02/2020x", MIDNIGHT},
+                                                         {"1/2", 0},
+                                                         {"1/2/2020/3", 0},
+                                                         {"", 0},
+                                                         {"a/b/c", DateToEpoch(0, 0, 0)},
+                                                         {"-2147483648/1/-2147483648", -1}};
+    for (const auto& [date, ticks] : cases)
+        EXPECT_EQ(DateToEpoch2(date), ticks) << date;
 }
 
 TEST_F(TimeFuncs, TicksToText) {
     EXPECT_EQ(EpochToDate(SECOND_OF_JANUARY_2020 - 1), "1/1/2020") << "another day than the local one";
     EXPECT_EQ(TicksToTimeString(SECOND_OF_JANUARY_2020 - 1, 0), "01/02/2020 04:59:59");
     constexpr std::time_t BEYOND = std::numeric_limits<std::time_t>::max();
-    EXPECT_EQ(EpochToDate(BEYOND), "");
-    EXPECT_EQ(TicksToTimeString(BEYOND, 0), "");
+    EXPECT_EQ(EpochToDate(BEYOND) + TicksToTimeString(BEYOND, 0), "");
     setZone("CET-1CEST,M3.5.0,M10.5.0/3");
     EXPECT_EQ(TicksToTimeString(DateToEpoch2("7/4/2020"), 0), "07/04/2020 00:00:00") << "summer time";
 }

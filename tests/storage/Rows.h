@@ -10,24 +10,28 @@
 
 namespace Zorvane {
 
-/// Adds rows such as "WindowsDisk Id=4 Name=c; WindowsDisk ArcName=rdisk(0)", which have Ids of their own or
-/// are numbered, and a null element behind the last of each table.
+/// Adds rows such as "WindowsDisk Id=4 Name=c | Name=d; WindowsPlex", which have Ids of their own or are
+/// numbered, and a null element behind the last of each table.
 inline void addRows(CZor& zor, const std::string& text) {
     static int lastId = 999;
     std::string xml = "<ZorData>";
-    std::istringstream rows(text);
-    for (std::string row, word; std::getline(rows, row, ';');) {
-        std::istringstream words(row);
-        std::string table;
+    std::istringstream tables(text);
+    for (std::string rows, table, word; std::getline(tables, rows, ';');) {
+        std::istringstream words(rows);
         words >> table;
-        ASSERT_TRUE(findVector(table)) << row;
-        xml += '<' + table + "><Id>" + std::to_string(++lastId) + "</Id>";
+        ASSERT_TRUE(findVector(table)) << rows;
+        const std::string begin = '<' + table + "><Id>", end = "</" + table + '>';
+        xml += begin + std::to_string(++lastId) + "</Id>";
         while (words >> word) {
+            if (word == "|") {
+                xml += end + begin + std::to_string(++lastId) + "</Id>";
+                continue;
+            }
             const std::string field = word.substr(0, word.find('='));
             ASSERT_TRUE(findTable(table)->find(field)) << word;
             xml += '<' + field + '>' + word.substr(field.size() + 1) + "</" + field + '>';
         }
-        xml += "</" + table + '>';
+        xml += end;
     }
     xml += "</ZorData>";
     ASSERT_EQ(zor.readXml(reinterpret_cast<unsigned char*>(xml.data()), static_cast<int>(xml.size())), 0)
@@ -43,15 +47,14 @@ std::string asText(const Answer& answer) {
         return std::to_string(answer);
     else if constexpr (std::is_pointer_v<Answer>)
         return answer ? answer->getName() : "-";
-    else
+    else if constexpr (std::is_same_v<Answer, std::string>)
         return answer;
-}
-template <Named Record>
-std::string asText(const std::vector<Record*>& records) {
-    std::string names;
-    for (const Record* record : records)
-        names += (names.empty() ? "" : " ") + record->getName();
-    return names;
+    else {
+        std::string names;
+        for (const auto* record : answer)
+            names += (names.empty() ? "" : " ") + record->getName();
+        return names;
+    }
 }
 
 struct Case {

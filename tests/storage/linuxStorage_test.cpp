@@ -6,67 +6,64 @@
 namespace Zorvane {
 namespace {
 
-const std::string EFI = "LinuxMountPoint Name=/boot/efi LinuxFileSystemId=1; LinuxFileSystem Id=1;"
-                        "LinuxFileSystemToPartition LinuxFileSystemId=1 LinuxPartitionId=1;"
-                        "LinuxPartition Id=1 Name=efi;";
-const std::string BOOT = "LinuxMountPoint Name=/boot LinuxFileSystemId=2; LinuxFileSystem Id=2;";
-const std::string ROOT = "LinuxMountPoint Name=/ LinuxFileSystemId=3; LinuxFileSystem Id=3;";
-const std::string BOOT_PARTITION =
-    "LinuxFileSystemToPartition LinuxFileSystemId=2 LinuxPartitionId=2; LinuxPartition Id=2 Name=boot;";
-const std::string ROOT_PARTITION =
-    "LinuxFileSystemToPartition LinuxFileSystemId=3 LinuxPartitionId=3; LinuxPartition Id=3 Name=root;";
-const std::string BOOT_DEVICE = "LinuxFileSystemToMultiDevice LinuxFileSystemId=2 LinuxMultiDeviceId=1;"
-                                "LinuxPartitionToMultiDevice LinuxMultiDeviceId=1 LinuxPartitionId=4;"
-                                "LinuxPartitionToMultiDevice LinuxMultiDeviceId=1 LinuxPartitionId=5;"
-                                "LinuxPartition Id=4 Name=a; LinuxPartition Id=5 Name=b;";
-const std::string ROOT_DEVICE = "LinuxFileSystemToMultiDevice LinuxFileSystemId=3 LinuxMultiDeviceId=2;"
-                                "LinuxPartitionToMultiDevice LinuxMultiDeviceId=2 LinuxPartitionId=6;"
-                                "LinuxPartition Id=6 Name=c;";
+/// The rows of mount points: "/boot=2 /=3+4" for one on partition 2 and one on a multi-device of 3 and 4.
+std::string mounted(const std::string& mounts) {
+    std::string rows;
+    std::istringstream words(mounts + ' ');
+    for (std::string directory, word;
+         std::getline(words, directory, '=') && std::getline(words, word, ' ');) {
+        const std::string id = std::to_string(directory.size());
+        const std::string fileSystem = " LinuxFileSystemId=" + id, device = " LinuxMultiDeviceId=" + id;
+        const bool onDevice = word.find('+') != std::string::npos;
+        rows += "LinuxMountPoint Name=" + directory + fileSystem + "; LinuxFileSystem Id=" + id + ';';
+        if (onDevice)
+            rows += "LinuxFileSystemToMultiDevice" + fileSystem + device + ';';
+        std::istringstream partitions(word);
+        for (std::string name; std::getline(partitions, name, '+');)
+            rows += (onDevice ? "LinuxPartitionToMultiDevice" + device
+                              : "LinuxFileSystemToPartition" + fileSystem) +
+                    " LinuxPartitionId=" + name + "; LinuxPartition Id=" + name + " Name=" + name + ';';
+    }
+    return rows;
+}
 
 TEST(LinuxStorage, bootPartitions) {
-    check(FindLinuxBootPartitions, {{EFI, "efi"},
-                                    {ROOT, ""},
-                                    {EFI + ROOT + ROOT_PARTITION + BOOT + BOOT_PARTITION, "efi boot"},
-                                    {EFI + ROOT + ROOT_PARTITION + BOOT + BOOT_DEVICE, "efi root"},
-                                    {EFI + ROOT + ROOT_DEVICE + BOOT + BOOT_DEVICE, "efi a b"},
-                                    {EFI + ROOT + ROOT_DEVICE, "efi c"},
-                                    {ROOT + ROOT_DEVICE + BOOT, ""}});
+    const std::pair<const char*, const char*> cases[] = {{"/boot/efi=1", "1"},
+                                                         {"/= /boot=", ""},
+                                                         {"/boot/efi=1 /=3 /boot=2", "1 2"},
+                                                         {"/boot/efi=1 /=3 /boot=4+5", "1 3"},
+                                                         {"/boot/efi=1 /=6+ /boot=4+5", "1 4 5"},
+                                                         {"/=6+", "6"},
+                                                         {"/=6+ /boot=", ""}};
+    for (const auto& [mounts, partitions] : cases)
+        check(FindLinuxBootPartitions, {{mounted(mounts), partitions}});
 }
 
 TEST(LinuxStorage, uefiClientsNeedTheirPartition) {
-    const std::string line =
-        "debug 1 linuxStorage:VerifyESPisMapped() EFI client should contain /boot/efi filesystem.";
-    EXPECT_EQ(logOf(4,
-                    [] {
-                        check(VerifyESPisMapped,
-                              {{"LinuxDisk", "1"},
-                               {"System Firmware=BIOS", "1"},
-                               {"System Firmware=UEFI;" + EFI, "1"},
-                               {"System Firmware=UEFI", "0"},
-                               {"System Firmware=UEFI;" + EFI.substr(0, EFI.rfind("LinuxPart")), "0"}});
-                    }),
-              (Lines{line, line}));
+    const std::string efi = mounted("/boot/efi=1");
+    check(VerifyESPisMapped, {{"LinuxDisk", "1"},
+                              {"System Firmware=BIOS", "1"},
+                              {"System Firmware=UEFI;" + efi, "1"},
+                              {"System Firmware=UEFI", "0"},
+                              {"System Firmware=UEFI;" + efi.substr(0, efi.rfind("LinuxPartition ")), "0"}});
 }
 
 TEST(LinuxStorage, logicalVolumesByEitherPath) {
     CZor zor;
-    addRows(zor, "LinuxLogicalVolume Name=/dev/vg-a/lv; LinuxLogicalVolume Name=/dev/vg/lv-b-c;"
-                 "LinuxLogicalVolume Name=/dev/a--/b; LinuxLogicalVolume Name=/dev/mapper/as--is");
+    addRows(zor, "LinuxLogicalVolume Name=/dev/vg-a/lv | Name=/dev/vg/lv-b-c | Name=/dev/a--/b | "
+                 "Name=/dev/mapper/as--is");
     const struct {
         const char *asked, *found, *traced;
     } cases[] = {
-        {"/dev/vg-a/lv", "/dev/vg-a/lv", "Exiting, object found, first try, name=/dev/vg-a/lv"},
-        {"/dev/mapper/as--is", "/dev/mapper/as--is", "first try"},
-        {"/dev/mapper/vg--a-lv", "/dev/vg-a/lv", "Exiting, object found, second try, name=/dev/vg-a/lv"},
+        {"/dev/mapper/as--is", "/dev/mapper/as--is", "object found, first try, name=/dev/mapper/as--is"},
+        {"/dev/mapper/vg--a-lv", "/dev/vg-a/lv", "object found, second try, name=/dev/vg-a/lv"},
         {"/dev/mapper/vg-lv--b-c", "/dev/vg/lv-b-c", "Second try with generated name=/dev/vg/lv-b-c"},
         {"/dev/mapper/a-----b", "/dev/a--/b", "second try"},
         {"/dev/vg--a-lv", "-", "Exiting, No object found, name=/dev/vg--a-lv"},
-        {"/dev/mapper/", "-", "Second try with generated name=/dev/"},
-    };
+        {"/dev/mapper/", "-", "Second try with generated name=/dev/"}};
     for (const auto& c : cases) {
-        const Lines lines = logOf(
-            5, [&] { EXPECT_EQ(asText(Find(zor.m_vLinuxLogicalVolume, c.asked)), c.found) << c.asked; });
-        EXPECT_NE(testing::PrintToString(lines).find(c.traced), std::string::npos) << c.traced;
+        const auto find = [&] { EXPECT_EQ(asText(Find(zor.m_vLinuxLogicalVolume, c.asked)), c.found); };
+        EXPECT_NE(testing::PrintToString(logOf(5, find)).find(c.traced), std::string::npos) << c.traced;
     }
 }
 

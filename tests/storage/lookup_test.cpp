@@ -18,29 +18,28 @@ TEST(Lookup, noTableRefersToAnotherOneTwice) {
 
 TEST(Lookup, firstRowWithTheValues) {
     CZor zor;
-    addRows(zor, "WindowsDisk Name=D Port=1; WindowsDisk Name=d Port=1; WindowsDisk Name=d Port=2 BusType=7");
+    addRows(zor, "WindowsDisk Name=D Port=1 | Name=d Port=1 | Name=d Port=2 BusType=7");
     const auto& disks = zor.m_vWindowsDisk;
     EXPECT_EQ(FindByName(disks, "d"), disks[1]);
     EXPECT_EQ(FindByName(disks, ""), nullptr);
     EXPECT_EQ(FindBy(disks, &CWindowsDisk::getPort, 2, &CWindowsDisk::getName, "d"), disks[2]);
     EXPECT_EQ(FindBy(disks, &CWindowsDisk::getPort, 2, &CWindowsDisk::getName, "D"), nullptr);
-    const auto isListed = [&](const CWindowsDisk& disk) {
-        return HasEqual(disks, disk, &CWindowsDisk::getName, &CWindowsDisk::getPort,
-                        &CWindowsDisk::getBusType);
-    };
-    CWindowsDisk other(*disks[2]);
-    other.setId(0);
-    EXPECT_TRUE(isListed(other));
-    other.setBusType(0);
-    EXPECT_FALSE(isListed(other));
+    for (const unsigned int busType : {7, 0}) {
+        CWindowsDisk other(*disks[2]);
+        other.setId(0);
+        other.setBusType(busType);
+        EXPECT_EQ(
+            HasEqual(disks, other, &CWindowsDisk::getName, &CWindowsDisk::getPort, &CWindowsDisk::getBusType),
+            busType == 7);
+    }
 }
 
 TEST(Lookup, alongReferencesOwnerByOwnerAndEachTargetOnce) {
     CZor zor;
-    addRows(zor, "WindowsDisk Id=1 Name=c; WindowsDisk Id=2 Name=d; WindowsPlex Id=1; WindowsPlex Id=2;"
-                 "WindowsRegion Name=r WindowsPlexId=2 WindowsDiskId=1; WindowsRegion Name=s WindowsPlexId=1;"
-                 "WindowsRegion Name=t WindowsPlexId=1 WindowsDiskId=2; WindowsRegion Name=u WindowsDiskId=2;"
-                 "WindowsRegion Name=v WindowsPlexId=2 WindowsDiskId=2");
+    addRows(zor, "WindowsDisk Id=1 Name=c | Id=2 Name=d; WindowsPlex Id=1 | Id=2; WindowsRegion Name=r "
+                 "WindowsPlexId=2 "
+                 "WindowsDiskId=1 | Name=s WindowsPlexId=1 | Name=t WindowsPlexId=1 WindowsDiskId=2 | Name=u "
+                 "WindowsDiskId=2 | Name=v WindowsPlexId=2 WindowsDiskId=2");
     const std::vector plexes = {zor.m_vWindowsPlex[0], zor.m_vWindowsPlex[1]};
     const auto regions = FindReferring<CWindowsRegion>(zor, plexes);
     EXPECT_EQ(asText(regions), "s t r v");

@@ -20,42 +20,45 @@ TEST(SolarisSlices, inUse) {
 /// The slices that the first pass marks, which must be those that the second one returns.
 std::string encapsulated(CZor& zor) {
     const CQuvmVolume& volume = *zor.m_vQuvmVolume.front();
-    EXPECT_EQ(asText(FindEncapsulatedQuVMVolumeSlice(zor, volume, true)), "");
-    EXPECT_EQ(asText(FindEncapsulatedQuVMVolumeSlice(zor, volume, false)), "");
-    const auto marked = FindAllBy(zor.m_vSolarisSlice, &CSolarisSlice::getEncapsulated, true);
-    EXPECT_EQ(FindEncapsulatedQuVMVolumeSlice(zor, volume, true), marked);
-    return asText(marked);
+    for (const bool marked : {true, false})
+        EXPECT_TRUE(FindEncapsulatedQuVMVolumeSlice(zor, volume, marked).empty());
+    const auto found = FindEncapsulatedQuVMVolumeSlice(zor, volume, true);
+    EXPECT_EQ(FindAllBy(zor.m_vSolarisSlice, &CSolarisSlice::getEncapsulated, true).size(), found.size());
+    return asText(found);
 }
 
 TEST(SolarisSlices, encapsulatedByAVolume) {
-    const std::string slices = ";QuvmPlex Id=1 QuvmVolumeId=9; QuvmPlex Id=2 QuvmVolumeId=9; QuvmDisk Id=3;"
+    const std::string slices = "; QuvmPlex Id=1 QuvmVolumeId=9 | Id=2 QuvmVolumeId=9; QuvmDisk Id=3;"
                                "QuvmSolarisDiskAccess QuvmDiskId=3 SolarisDiskId=4; SolarisDisk Id=4;"
-                               "SolarisSlice SolarisDiskId=4 Name=root Offset=0 Length=500;"
-                               "SolarisSlice SolarisDiskId=4 Name=public Offset=1000 Length=9000 Tag=14;"
-                               "SolarisSlice SolarisDiskId=4 Name=home Offset=1500 Length=300;"
-                               "SolarisSlice SolarisDiskId=4 Name=var Offset=1800 Length=100;";
-    const std::string one = "QuvmVolume Id=9 Copies=1" + slices;
-    const std::string two = "QuvmVolume Id=9 Copies=2" + slices;
-    const std::string block = "QuvmSubDisk QuvmPlexId=1 QuvmDiskId=3 Name=xBlock0 Length=16;";
-    const std::string root = "QuvmSubDisk QuvmPlexId=1 QuvmDiskId=3 DevOffset=16 Length=484;";
-    const std::string home = "QuvmSubDisk QuvmPlexId=2 QuvmDiskId=3 DevOffset=500 Length=300;";
-    const std::string var = "QuvmSubDisk QuvmPlexId=2 QuvmDiskId=3 DevOffset=800 Length=100;";
-    const std::string diskless = "QuvmSubDisk QuvmPlexId=1 Length=300;";
-    const std::string lost = "QuvmSubDisk QuvmPlexId=2 QuvmDiskId=77;";
-    check(encapsulated,
-          {{one + home, "home"}, // behind the public offset
-           {one + root, ""},
-           {one + root + block, "root"}, // behind the block
-           {two + home + root + block, "root home"},
-           {two + home + root, "home"},
-           {one + home + var, ""}, // too few copies
-           {two + home + var, "home var"},
-           {"QuvmVolume Id=9 Copies=2 Columns=2" + slices + home + var, ""},
-           {two + diskless + home, "home"},
-           {two + home + lost, "home"},
-           {two + lost + home, ""}, // the search ends there
-           {one + "QuvmSubDisk QuvmPlexId=1 QuvmDiskId=3 DevOffset=9223372036854775807", ""},
-           {one + root + "QuvmSubDisk QuvmPlexId=1 Name=Block0 Length=-9223372036854775808", ""}});
+                               "SolarisSlice SolarisDiskId=4 Name=root Offset=0 Length=500"
+                               " | SolarisDiskId=4 Name=public Offset=1000 Length=9000 Tag=14"
+                               " | SolarisDiskId=4 Name=home Offset=1500 Length=300"
+                               " | SolarisDiskId=4 Name=var Offset=1800 Length=100; QuvmSubDisk";
+    const std::string one = "QuvmVolume Id=9 Copies=1" + slices, two = "QuvmVolume Id=9 Copies=2" + slices;
+    const std::string root = " | QuvmPlexId=2 QuvmDiskId=3 DevOffset=16 Length=484";
+    const std::string block = " | QuvmPlexId=2 QuvmDiskId=3 Name=xBlock0 Length=16";
+    const std::string home = " | QuvmPlexId=1 QuvmDiskId=3 DevOffset=500 Length=300";
+    const std::string home2 = " | QuvmPlexId=2 QuvmDiskId=3 DevOffset=500 Length=300";
+    const std::string var = " | QuvmPlexId=1 QuvmDiskId=3 DevOffset=800 Length=100";
+    const std::string half = " | QuvmPlexId=2 QuvmDiskId=3 Name=Block0 DevOffset=250 Length=250";
+    const std::string diskless = " | QuvmPlexId=1 Length=300", lost = " | QuvmPlexId=1 QuvmDiskId=77";
+    const std::string block1 = " | QuvmPlexId=1 QuvmDiskId=3 Name=Block0";
+    check(encapsulated, {{one + home, "home"}, // behind the public offset
+                         {one + root, ""},
+                         {one + root + block, "root"}, // behind the block
+                         {two + home + root + block, "home root"},
+                         {two + block1 + home + home2, "home"}, // a block of no length
+                         {two + block1 + home2 + root, ""},     // their plex begins behind the block
+                         {two + home + root, "home"},
+                         {one + home + half, "home"}, // the block is no data
+                         {one + home + var, ""},      // too few copies
+                         {two + home + var, "home var"},
+                         {"QuvmVolume Id=9 Copies=2 Columns=2" + slices + home + var, ""},
+                         {two + diskless + home, "home"},
+                         {two + home + lost, "home"},
+                         {two + lost + home, ""}, // the search ends there
+                         {one + " | QuvmPlexId=1 QuvmDiskId=3 DevOffset=9223372036854775807", ""},
+                         {one + root + " | QuvmPlexId=2 Name=Block0 Length=-9223372036854775808", ""}});
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "lab/numbering.h"
+#include "lab/Insertion.h"
 
 #include "lab/RequestError.h"
 #include "lab/Store.h"

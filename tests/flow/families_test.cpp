@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+// Clients that can't be converted, one of each family.
+#include "flow/Lab.h"
+
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+namespace Zorvane {
+
+TEST(Families, areRefused) {
+    Lab lab;
+    const std::string folder = std::string(ZOR_SOURCE_DIR) + "/share/samples/families/";
+    const std::string load =
+        ZOR_ZORLAB " load " + lab.path("lab") + " " + folder + "*.xml > " + lab.path("loaded");
+    ASSERT_EQ(std::system(load.c_str()), 0) << load;
+    lab.serve();
+    lab.write("target", "name=new-vm\n");
+    // By its operating system each; garnet16 runs Windows, but its client's software is too old.
+    for (const char* name :
+         {"copper11", "basalt12", "cedar13", "delta14", "ember15", "garnet16", "flint17"}) {
+        const std::string client = std::string(name) + ".corp.example";
+        const Ended ended = lab.zorb2v({"-C", client, "-vmserver", "vcenter01.lab.example", "-vmproxy",
+                                        "convhost01.lab.example", "-veconfig", lab.path("target")});
+        EXPECT_EQ(ended.status, 1) << client;
+        EXPECT_EQ(ended.out, "");
+        EXPECT_EQ(ended.err, message("14 " + client + "|current"));
+        EXPECT_EQ(lab.road(), "config tree") << client; // nothing further is asked
+    }
+}
+
+} // namespace Zorvane
