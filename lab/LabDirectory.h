@@ -38,8 +38,9 @@ class LabDirectory {
 };
 
 struct InitOptions {
-    bool force = false;                    ///< a lab that stands there is replaced
-    std::optional<std::uint16_t> basePort; ///< the first of three ports in a row; else three free ones
+    bool force = false; ///< a lab that stands there is replaced
+    std::optional<std::uint16_t>
+        basePort; ///< the first of three ports in a row, at most 65533; else three free ones
     std::optional<std::filesystem::path>
         samples; ///< the folder of the documents to load; else the sample clients
 };

@@ -10,10 +10,9 @@ namespace Zorvane {
 class CZor;
 class Store;
 
-/// Puts a document's rows into the database as new ones, and tells the configuration's name on standard
-/// output. The rows are
-/// added to the container. LabError, with the file's name, if it is no document of a configuration or if the database refuses
-/// it.
+/// Puts a document's rows into the database as new ones, adds them to the container, and tells the
+/// configuration's name on standard output. LabError, with the file's name, if it is no document of a
+/// configuration or if the database refuses it.
 void loadConfiguration(Store& store, const std::filesystem::path& file, CZor& rows);
 
 /// The document of a configuration; an empty name means the client's latest. LabError if there is none.

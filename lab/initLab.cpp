@@ -6,6 +6,7 @@
 #include "lab/configurationFiles.h"
 #include "lab/defaultInventory.h"
 #include "lab/tomlFile.h"
+#include "suite/printable.h"
 
 #include <algorithm>
 #include <array>
@@ -63,12 +64,8 @@ bool isFree(int port) {
 }
 
 LabPorts choosePorts(std::optional<std::uint16_t> base) {
-    if (base) {
-        if (*base > 65533)
-            throw LabError("--base-port " + std::to_string(*base) +
-                           " leaves no room for three ports; 65533 is the last");
+    if (base)
         return {*base, static_cast<std::uint16_t>(*base + 1), static_cast<std::uint16_t>(*base + 2)};
-    }
     // Below the range that the kernel gives out itself, so that nobody's outgoing connection has taken one of
     // them when the lab is served; by chance, so that labs that are made at the same time differ.
     std::random_device seed;
@@ -83,7 +80,7 @@ LabPorts choosePorts(std::optional<std::uint16_t> base) {
 
 std::string configurationText(const LabDirectory& directory, const LabPorts& ports) {
     return "# The suite's configuration for this lab. Point clients at it: export KVN_CONF=" +
-           directory.configuration().string() +
+           Suite::printable(directory.configuration().string()) +
            "\n[master]\nservers = [\"localhost\"]\nclient_name = \"labhost\"\nquss = "
            "\"prohibited\"\n\n[services]\nzord = " +
            std::to_string(ports.zord) + "\nzorbd = " + std::to_string(ports.zorbd) +

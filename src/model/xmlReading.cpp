@@ -58,7 +58,7 @@ bool isReadable(const XmlParserImpl* impl) {
     if (!impl)
         log(LEVEL_FAILURE, "XmlParser:XmlParser::CopyNodeValue()",
             "Exiting, No Implementation for XmlParserImplementation for XmlParserImpl allocated.");
-    return impl;
+    return impl != nullptr;
 }
 
 // The text of the value cursor, or null.

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "frontend/zorPreMain.h"
+
+#include "frontend/failingAllocations.h"
 #include "frontend/zorb2v.h"
 #include "logging/CErrorMsg.h"
 #include "resources/CommandLog.h"
@@ -11,31 +13,11 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-namespace {
-
-constexpr long NEVER = -1;
-long g_allocationsLeft = NEVER; ///< until one fails
-
-} // namespace
-
-void* operator new(std::size_t size) {
-    if (g_allocationsLeft == NEVER || g_allocationsLeft-- > 0)
-        if (void* memory = std::malloc(size == 0 ? 1 : size))
-            return memory;
-    g_allocationsLeft = NEVER;
-    if (const std::new_handler handler = std::get_new_handler())
-        handler();
-    throw std::runtime_error("no new handler");
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-
 namespace Zorvane {
 namespace {
+
+using Test::g_allocationsLeft;
+using Test::NEVER;
 
 struct Outcome {
     int status;

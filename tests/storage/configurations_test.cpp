@@ -50,7 +50,8 @@ TEST(Configurations, dissimilarIfAnInterfaceOfTheSourceIsMissing) {
         {{.treeResult = 1}, COPY, "0", "Unable to read config; config id:42"}};
     for (const auto& c : cases) {
         recoveryDaemon = c.answers;
-        const Lines log = logOf(4, [&] { check(isDSRConfig, {{c.rows, c.dissimilar}}); });
+        Lines log = logOf(4, [&] { check(isDSRConfig, {{c.rows, c.dissimilar}}); });
+        std::erase_if(log, [](const std::string& line) { return line.find(" configurations:") == line.npos; });
         EXPECT_EQ(log, c.log.empty() ? Lines() : Lines{"debug 2 configurations:isDSRConfig() " + c.log});
     }
     EXPECT_EQ(recoveryDaemon.asked, "*|ZorDba.ZOR_Config|" + QUERY + "|ZorDba.ZOR_Config|42");
