@@ -65,13 +65,13 @@ TEST_F(Conversions, keepWhatTheUserGives) {
     submit(
         "ledger01.corp.example",
         "toolsIsoPath=\"[x] "
-        "t.iso\"\nesxhost=esx11.LAB.example\ndatacenter=/root/Southbank\nfolder=/Southbank/vm/retired\n"
+        "t.iso\"\nesxhost=esx11.LAB.example\ndatacenter=/top/Southbank\nfolder=/Southbank/vm/retired\n"
         "resourcepool=Small\nname=it's\nnetwork=Southbank 210\ndiskformat=ThickLazy\nharddisk=0:sb-nfs-01\n"
         "harddisk=1:\"sb-esx11-local\"\n",
         "-vmpo -O -con CURRENT -veprofile mine");
     EXPECT_EQ(m_lab.sql(PROFILE),
               "convhost01.lab.example|[x] t.iso|esx11.LAB.example|vcenter01.lab.example|sb-nfs-01|0|"
-              "/Southbank/vm/retired|Small|/root/Southbank||Southbank 210|3|1|1|0|0\n");
+              "/Southbank/vm/retired|Small|/top/Southbank||Southbank 210|3|1|1|0|0\n");
     EXPECT_EQ(m_lab.sql(TASK), "ledger01.corp.example|CURRENT|ledger01.corp.example|1|1|0|1|1|1|it's|1\n");
     EXPECT_EQ(m_lab.sql(DISKS), "Harddisk0|sb-nfs-01|3145728\nHarddisk1|sb-esx11-local|102400\n");
 }
