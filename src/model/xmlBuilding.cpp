@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cwchar>
 
 #include <xercesc/util/Base64.hpp>
 
@@ -85,12 +84,11 @@ int checkWide(const XmlParserImpl* impl, const char* tag) {
 }
 
 // UTF-32 units to UTF-16; what is no character becomes the replacement character.
-std::vector<XMLCh> utf16(const wchar_t* text, std::size_t length) {
+std::vector<XMLCh> utf16(const wchar_t* text) {
     constexpr XMLCh replacement = 0xFFFD;
     std::vector<XMLCh> units;
-    units.reserve(length + 1);
-    for (std::size_t i = 0; i < length; ++i) {
-        const auto code = static_cast<std::uint32_t>(text[i]);
+    for (; *text; ++text) {
+        const auto code = static_cast<std::uint32_t>(*text);
         const bool isSurrogate = code >= 0xD800 && code < 0xE000;
         if (code >= 0x110000 || isSurrogate) {
             units.push_back(replacement);
@@ -187,7 +185,7 @@ int XmlParser::AppendValue(const char* tag, const wchar_t* value) {
         return rc;
     DOMElement* element = appendTo(*impl, tag);
     if (value)
-        appendText(*impl, *element, utf16(value, std::wcslen(value)).data());
+        appendText(*impl, *element, utf16(value).data());
     return 0;
 }
 

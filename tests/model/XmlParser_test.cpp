@@ -209,7 +209,7 @@ TEST_F(XmlParserTest, TheWalkSkipsTextAndEndsAtAComment) {
 #ifndef __SANITIZE_ADDRESS__ // its shadow is larger than any limit
 TEST_F(XmlParserTest, LackOfMemoryIsToldAsSuch) {
     const auto fillMemory = [] {
-        const rlimit limit{1U << 28, 1U << 28};
+        const rlimit limit{1U << 27, 1U << 27};
         setrlimit(RLIMIT_AS, &limit);
         try {
             XmlParser writer;
