@@ -28,7 +28,7 @@ struct ChildProgram {
 /// Starts the program. The handled signals are installed and blocked by the caller; in the child they have
 /// their default and the mask from before. The child's number, or -1 and errno. 0 in a child that did not
 /// start the program and is to return from its caller (see the source); any other failure in the child ends
-/// it with status 255.
+/// it with status 255 and is logged, before this returns.
 pid_t StartChild(Trace& trace, const ChildProgram& program, const ForwardedSignals& forwarded,
                  const BlockedSignals& blocked);
 
