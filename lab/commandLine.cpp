@@ -4,8 +4,10 @@
 #include "lab/LabDirectory.h"
 #include "lab/LabError.h"
 #include "lab/Store.h"
+#include "lab/capture.h"
 #include "lab/configurationFiles.h"
 #include "lab/jobReport.h"
+#include "lab/rows.h"
 #include "lab/schema.h"
 #include "lab/serveLab.h"
 #include "lab/tablePage.h"
@@ -153,6 +155,21 @@ void addSchema(CLI::App& app, Options& options) {
     command->callback([&options] { std::cout << options.schema(); });
 }
 
+void addCapture(CLI::App& app) {
+    CLI::App* command =
+        app.add_subcommand("capture", "Write the document of the Linux machine that this runs on on standard "
+                                      "output, and on standard error what it has to leave out.");
+    command->footer(EXITS);
+    command->callback([] {
+        CZor rows;
+        for (const std::string& thing : captureMachine(askThisMachine(), rows))
+            std::fprintf(stderr, "zorlab: left out: %s\n", Suite::printable(thing).c_str());
+        const std::vector<unsigned char> document = writeDocument(rows);
+        std::cout.write(reinterpret_cast<const char*>(document.data()),
+                        static_cast<std::streamsize>(document.size()));
+    });
+}
+
 } // namespace
 
 int runZorlab(int argc, char** argv) {
@@ -166,11 +183,12 @@ int runZorlab(int argc, char** argv) {
     addServe(app, options);
     addDatabaseCommands(app, options);
     addSchema(app, options);
+    addCapture(app);
     try {
         app.parse(argc, argv);
         // Not left to the library, which would complain of a mistyped command without its name.
         if (app.get_subcommands().empty())
-            throw CLI::RequiredError("A command (init, serve, load, export, jobs or schema)");
+            throw CLI::RequiredError("A command (init, serve, load, export, jobs, schema or capture)");
         std::cout.flush();
         if (!std::cout)
             throw LabError("standard output can't be written");

@@ -26,7 +26,6 @@ TEST_F(BadInput, configurationsOfTheSuite) {
     m_lab.write("malformed", "[master]\nservers = [\"localhost\"\n[services\n");
     m_lab.write("silent", "master.servers = ['localhost']\nservices.zord = 1\n");
     m_lab.write("portless", "master.servers = ['localhost']\n");
-    m_lab.write("hostless", "master.servers = ['no-such-host.invalid']\nservices.zord = 1\n");
     m_lab.write("typed", "master.servers = 'localhost'\nservices.zord = 70000\n");
     const std::pair<std::string, std::string> cases[] = {
         {"missing", "missing: No such file or directory"},
@@ -34,7 +33,6 @@ TEST_F(BadInput, configurationsOfTheSuite) {
         {"lab", "lab: Is a directory"},
         {"silent", ""},
         {"portless", ""},
-        {"hostless", ""},
         {"typed", "typed:"},
     };
     for (const auto& [file, complaint] : cases) {
@@ -108,7 +106,9 @@ TEST_F(BadInput, namesInTheLocaleOfTheTerminal) {
     const std::string make =
         "localedef -i en_US -f ISO-8859-1 " + m_lab.path("en_US.ISO-8859-1") + " 2>/dev/null";
     ASSERT_EQ(std::system(make.c_str()), 0);
-    const Lab::Environment latin1 = {{"LOCPATH", m_lab.path("")}, {"LC_ALL", "en_US.ISO-8859-1"}};
+    // The C library keeps its list of locale folders, which is a leak to the sanitizer.
+    const Lab::Environment latin1 = {
+        {"LOCPATH", m_lab.path("")}, {"LC_ALL", "en_US.ISO-8859-1"}, {"ASAN_OPTIONS", "detect_leaks=0"}};
     m_lab.serve();
     m_lab.sql("UPDATE ZOR_Config SET ClientName = 'B\xc3\xbcro' WHERE Id = 4");
     m_lab.write("target", "toolsIsoPath=t\nname=K\xfc"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "frontend/zorPreMain.h"
-
 #include "frontend/failingAllocations.h"
+#include "frontend/zorPreMain.h"
 #include "frontend/zorb2v.h"
 #include "logging/CErrorMsg.h"
 #include "resources/CommandLog.h"
@@ -59,7 +58,11 @@ TEST(ZorPreMain, givesTheCommandsStatusOrTellsWhatEndedIt) {
     const Scratch scratch;
     scratch.configureLog(5);
     EXPECT_EQ(run(isSetUp), (Outcome{42, ""}));
-    EXPECT_EQ(run([](std::int32_t, char**) { return int{*new int[std::size_t(1) << 60]}; }),
+    EXPECT_EQ(run([](std::int32_t, char**) {
+                  g_allocationsLeft = 0;
+                  ::operator delete(::operator new(1));
+                  return 0;
+              }),
               (Outcome{10, "prog ran out of memory. Halting..\n"}));
     const Outcome thrown = run([](std::int32_t, char**) -> int { throw std::runtime_error("x"); });
     EXPECT_EQ(thrown.status, 114);
