@@ -247,12 +247,15 @@ TEST_F(CaptureTest, TellsWhatItLeavesOut) {
 }
 
 TEST_F(CaptureTest, ComesBackFromTheDatabaseAsItWas) {
-    captureMachine(machine(), m_rows);
-    const std::string expected = documentByOrder(m_rows);
-    ASSERT_TRUE(m_store->load(m_rows).ok());
-    CZor exported;
-    ASSERT_TRUE(m_store->exportTree("quay21.corp.example", "current", exported).ok());
-    EXPECT_EQ(documentByOrder(exported), expected);
+    for (const MachineSources& source : {machine(), askThisMachine()}) {
+        CZor rows, exported;
+        captureMachine(source, rows);
+        const std::string client = rows.m_vConfig.front()->getClientName();
+        const std::string expected = documentByOrder(rows);
+        ASSERT_TRUE(m_store->load(rows).ok()) << client;
+        ASSERT_TRUE(m_store->exportTree(client, "current", exported).ok()) << client;
+        EXPECT_EQ(documentByOrder(exported), expected) << client;
+    }
 }
 
 // Whatever the commands print, a capture comes to its end with rows whose references lead somewhere.
