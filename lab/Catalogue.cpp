@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 
 namespace Zorvane {
 
@@ -18,7 +19,22 @@ std::string oneWord(TomlTable& table, std::string_view key) {
     return value;
 }
 
-CatalogueClient readClient(TomlTable table) {
+using Contents = std::map<std::string, std::vector<std::string>>;
+
+// What an image holds: its own list, or one that is shared.
+std::vector<std::string> readFiles(TomlTable& image, const Contents& contents) {
+    const std::string name = image.text("content", "");
+    std::vector<std::string> files = image.texts("files");
+    if (name.empty())
+        return files;
+    const auto shared = contents.find(name);
+    if (shared == contents.end())
+        image.refuse("there is no [[content]] of the name \"" + name + "\"");
+    files.insert(files.end(), shared->second.begin(), shared->second.end());
+    return files;
+}
+
+CatalogueClient readClient(TomlTable table, const Contents& contents) {
     CatalogueClient client;
     client.name = oneWord(table, "name");
     client.type = static_cast<int>(table.integer("type", 0, 99));
@@ -28,7 +44,7 @@ CatalogueClient readClient(TomlTable table) {
         image.policy = oneWord(row, "policy");
         image.schedule = oneWord(row, "schedule");
         image.time = row.time("time");
-        image.files = row.texts("files");
+        image.files = readFiles(row, contents);
         row.finish();
     }
     table.finish();
@@ -41,8 +57,14 @@ CatalogueClient readClient(TomlTable table) {
 Catalogue readCatalogue(const std::filesystem::path& file) {
     TomlTable root = readToml(file);
     Catalogue catalogue;
+    Contents contents;
+    for (TomlTable& table : root.tables("content")) {
+        const std::string name = table.text("name");
+        contents[name] = table.texts("files");
+        table.finish();
+    }
     for (TomlTable& table : root.tables("client"))
-        catalogue.clients.push_back(readClient(std::move(table)));
+        catalogue.clients.push_back(readClient(std::move(table), contents));
     root.finish();
     return catalogue;
 }

@@ -42,4 +42,9 @@ Catalogue readCatalogue(const std::filesystem::path& file);
 /// client.
 std::string catalogueEntry(const CZor& configuration);
 
+/// The [[content]] tables that backups of many clients share: what full backups of a kind of client hold.
+std::string sharedContents();
+/// The name of one of them, for a configuration of the usual folders.
+std::string sharedContentOf(const CZor& configuration);
+
 } // namespace Zorvane

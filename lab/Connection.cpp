@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace Zorvane {
@@ -18,15 +19,23 @@ namespace {
 constexpr std::size_t MAX_LINE = 4096;
 // A document is read in pieces, so that a peer's word for its length costs nothing until the bytes are there.
 constexpr std::size_t PIECE = std::size_t{64} << 10;
-// What a peer may still have under way when its answer is complete: a document that was refused, for
+// For what a peer may still have under way when its answer is complete: a document that was refused, for
 // instance.
-constexpr std::size_t MAX_LEFTOVER = std::size_t{16} << 20;
 constexpr std::chrono::seconds LEFTOVER_TIME{2};
 
 } // namespace
 
 void Connection::cut() {
+    m_isCut = true;
     ::shutdown(descriptor(), SHUT_RDWR);
+}
+
+void Connection::pause(std::chrono::milliseconds time) {
+    for (auto* deadline : {&m_deadline, &m_deadlineIfOthersWait})
+        if (*deadline != NEVER)
+            *deadline += std::chrono::duration_cast<Clock::duration>(time).count();
+    pollfd cutting{descriptor(), 0, 0}; // a hang-up is told unasked, and one of the peer's side alone is none
+    ::poll(&cutting, 1, static_cast<int>(time.count()));
 }
 
 std::optional<std::string> Connection::readLine() {
@@ -75,7 +84,7 @@ bool Connection::write(std::string_view bytes) {
 }
 
 void Connection::waitForPeer() {
-    m_deadline = NEVER;
+    m_deadline = m_deadlineIfOthersWait = NEVER;
     discardToEnd();
 }
 

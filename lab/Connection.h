@@ -24,14 +24,20 @@ class Connection {
 
     /// What follows has this long in all, however it is split up; the calls fail behind it. Whoever watches
     /// the connection sees to it (the calls themselves would wait for a byte without end).
-    void allow(std::chrono::milliseconds time) {
+    void allow(std::chrono::milliseconds time) { allow(time, time); }
+    /// With a shorter time for when others wait for a place.
+    void allow(std::chrono::milliseconds time, std::chrono::milliseconds timeIfOthersWait) {
         m_deadline = (Clock::now() + time).time_since_epoch().count();
+        m_deadlineIfOthersWait = (Clock::now() + timeIfOthersWait).time_since_epoch().count();
     }
-    [[nodiscard]] bool isOverdue(Clock::time_point now) const {
-        return now.time_since_epoch().count() > m_deadline;
+    [[nodiscard]] bool isOverdue(Clock::time_point now, bool othersWait) const {
+        return now.time_since_epoch().count() > (othersWait ? m_deadlineIfOthersWait : m_deadline);
     }
+    /// Waits, or until the connection is cut; its time limit is so much later.
+    void pause(std::chrono::milliseconds time);
     /// Makes every call fail from now on. The one operation for other threads than the one that serves.
     void cut();
+    [[nodiscard]] bool isCut() const { return m_isCut; }
 
     /// A line without its line feed; nothing at the end of the stream or if it is longer than a line may be.
     std::optional<std::string> readLine();
@@ -53,6 +59,8 @@ class Connection {
 
     Suite::Descriptor m_descriptor;
     std::atomic<Clock::rep> m_deadline = NEVER;
+    std::atomic<Clock::rep> m_deadlineIfOthersWait = NEVER;
+    std::atomic<bool> m_isCut = false;
 };
 
 } // namespace Zorvane

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/FailRules.h"
 
+#include "lab/Connection.h"
 #include "lab/LabError.h"
 #include "platform/stringManipulation.h"
 
@@ -13,13 +14,17 @@ namespace Zorvane {
 
 namespace {
 
+constexpr const char* DELAY = "delay";
+constexpr std::chrono::milliseconds USUAL_DELAY{1000};
+constexpr std::chrono::milliseconds LONGEST_DELAY{600'000};
+
 struct EffectName {
     const char* name;
     FailEffect effect;
     const char* meaning;
 };
 
-// A number is an effect too: the status of the answer.
+// A number is an effect too: the status of the answer. A delay may have its length behind it.
 constexpr std::array EFFECTS = {
     EffectName{"close", FailEffect::Close, "ends the connection without an answer"},
     EffectName{"silent", FailEffect::Silent, "never answers; the connection stays open"},
@@ -28,11 +33,16 @@ constexpr std::array EFFECTS = {
                "answers with a packet of another type, or a document with another root"},
     EffectName{"long", FailEffect::Long, "answers with a packet as long as packets get"},
     EffectName{"half", FailEffect::Half,
-               "breaks off in the middle of the document (a client of zord may then wait without end)"},
+               "breaks off in the middle of the document, packet or line (behind half a document a client\n"
+               "                 of zord may wait without end)"},
     EffectName{"empty", FailEffect::Empty, "answers with a document of no bytes"},
     EffectName{"notxml", FailEffect::NotXml, "answers with a document that is no XML"},
     EffectName{"entity", FailEffect::Entity, "answers with a document that holds an external entity"},
     EffectName{"deep", FailEffect::Deep, "answers with a document of a million nested elements"},
+    EffectName{"other", FailEffect::Other, "answers as a daemon of another version does"},
+    EffectName{DELAY, FailEffect::Delay,
+               "answers as always, but 1000 milliseconds later, or as many as stand behind it: delay:250;\n"
+               "                 adds to other rules"},
 };
 
 constexpr unsigned bit(FailEffect effect) {
@@ -43,11 +53,11 @@ constexpr unsigned bits(Effects... effects) {
     return (bit(effects) | ...);
 }
 
-constexpr unsigned LINE =
-    bits(FailEffect::Status, FailEffect::Close, FailEffect::Silent, FailEffect::Garbage);
+constexpr unsigned LINE = bits(FailEffect::Status, FailEffect::Close, FailEffect::Silent, FailEffect::Garbage,
+                               FailEffect::Half, FailEffect::Delay);
 constexpr unsigned PACKET = LINE | bits(FailEffect::Type, FailEffect::Long);
 constexpr unsigned DOCUMENT =
-    bits(FailEffect::Half, FailEffect::Empty, FailEffect::NotXml, FailEffect::Entity, FailEffect::Deep);
+    bits(FailEffect::Empty, FailEffect::NotXml, FailEffect::Entity, FailEffect::Deep);
 
 constexpr std::int32_t BYTE = std::numeric_limits<std::uint8_t>::max();
 constexpr std::int32_t INTEGER = std::numeric_limits<std::int32_t>::max();
@@ -63,7 +73,8 @@ struct PointName {
 constexpr std::array POINTS = {
     PointName{"connect", FailPoint::Connect, LINE, INTEGER,
               "the service: zord, zorbd, kvnrd (the recovery daemons have no status to give here)"},
-    PointName{"version", FailPoint::Version, PACKET, BYTE, "the service: zord, zorbd"},
+    PointName{"version", FailPoint::Version, PACKET | bit(FailEffect::Other), BYTE,
+              "the service: zord, zorbd"},
     PointName{"query", FailPoint::Query, PACKET | DOCUMENT, BYTE, "a table of the query: Config"},
     PointName{"tree", FailPoint::Tree, PACKET | DOCUMENT, BYTE, "the table: Config"},
     PointName{"insert", FailPoint::Insert, PACKET | DOCUMENT, BYTE, "a table of the rows: P2VRestoreTask"},
@@ -113,6 +124,17 @@ std::optional<std::string_view> cutOff(std::string_view& text, char separator) {
     return behind;
 }
 
+// "delay" or "delay:1500"; nothing for another effect.
+std::optional<std::chrono::milliseconds> delayOf(std::string_view effect) {
+    const auto name = effect.substr(0, effect.find(':'));
+    if (name != DELAY)
+        return std::nullopt;
+    if (name.size() == effect.size())
+        return USUAL_DELAY;
+    const auto count = numberOf<std::int32_t>(effect.substr(name.size() + 1));
+    return std::chrono::milliseconds(count.value_or(-1));
+}
+
 bool means(const std::string& detail, const std::string& name) {
     return StrCaseCmp(detail.c_str(), name.c_str()) == 0;
 }
@@ -152,6 +174,12 @@ FailRule parseFailRule(std::string_view text) {
         read.failure.status = *status;
         return read;
     }
+    if (const auto delay = delayOf(*effect)) {
+        if (*delay < std::chrono::milliseconds::zero() || *delay > LONGEST_DELAY)
+            refuse("behind \"delay:\" stand milliseconds, at most " + std::to_string(LONGEST_DELAY.count()));
+        read.failure = {FailEffect::Delay, 1, *delay};
+        return read;
+    }
     const auto row = std::ranges::find(EFFECTS, *effect, &EffectName::name);
     if (row == EFFECTS.end() || !(point->effects & bit(row->effect)))
         refuse("\"" + std::string(*effect) + "\" is no effect at this point; " + std::string(name) +
@@ -183,19 +211,31 @@ std::string failRuleHelp() {
     return text;
 }
 
-std::optional<Failure> FailRules::check(FailPoint point, std::span<const std::string> details) {
+FailRules::Verdict FailRules::judge(FailPoint point, std::span<const std::string> details) {
     const std::lock_guard lock(m_lock);
-    std::optional<Failure> found;
+    Verdict verdict;
     for (std::size_t i = 0; i < m_rules.size(); ++i) {
         const FailRule& rule = m_rules[i];
         const auto named = [&rule](const std::string& name) { return means(rule.detail, name); };
         if (rule.point != point || (!rule.detail.empty() && std::ranges::none_of(details, named)))
             continue;
         // Every rule counts what fits it, also behind the one that wins.
-        if (++m_seen[i]; !found && (rule.which == 0 || rule.which == m_seen[i]))
-            found = rule.failure;
+        if (++m_seen[i]; rule.which != 0 && rule.which != m_seen[i])
+            continue;
+        if (rule.failure.effect == FailEffect::Delay)
+            verdict.delay += rule.failure.delay;
+        else if (!verdict.failure)
+            verdict.failure = rule.failure;
     }
-    return found;
+    return verdict;
+}
+
+std::optional<Failure> FailRules::check(Connection& connection, FailPoint point,
+                                        std::span<const std::string> details) {
+    const Verdict verdict = judge(point, details);
+    if (verdict.delay > std::chrono::milliseconds::zero())
+        connection.pause(verdict.delay);
+    return verdict.failure;
 }
 
 } // namespace Zorvane

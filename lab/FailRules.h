@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Failures on demand: which request the lab answers badly, and how.
 //
-//   rule = POINT[:DETAIL][@N][=EFFECT]          query:P2VRestoreTask@1=close
+//   rule = POINT[:DETAIL][@N][=EFFECT]          query:P2VRestoreTask@1=close, listing=delay:500
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -13,6 +14,8 @@
 #include <vector>
 
 namespace Zorvane {
+
+class Connection;
 
 /// Where a rule applies; what DETAIL names there stands behind.
 enum class FailPoint {
@@ -39,16 +42,19 @@ enum class FailEffect {
     Garbage, ///< bytes that are no packet and no line of the conversation
     Type,    ///< a packet of another type; a document with another root
     Long,    ///< a packet as long as packets get
-    Half,    ///< the document breaks off and the connection ends
+    Half,    ///< the document, the packet or the line breaks off and the connection ends
     Empty,   ///< a document of no bytes
     NotXml,  ///< a document that is no XML
     Entity,  ///< a document with an external entity
     Deep,    ///< a document of a million nested elements
+    Other,   ///< a daemon of another version
+    Delay,   ///< the answer that the request would have had, but later
 };
 
 struct Failure {
     FailEffect effect = FailEffect::Status;
     std::int32_t status = 1;
+    std::chrono::milliseconds delay{}; ///< of the effect Delay
 
     bool operator==(const Failure&) const = default;
 };
@@ -76,11 +82,23 @@ class FailRules {
     FailRules() = default;
     explicit FailRules(std::vector<FailRule> rules) : m_rules(std::move(rules)), m_seen(m_rules.size()) {}
 
-    /// Counts a request, and says how it is to fail, if it is. `details` are the names that a rule's detail
-    /// may mean; the first rule that fits wins.
-    std::optional<Failure> check(FailPoint point, std::span<const std::string> details);
-    std::optional<Failure> check(FailPoint point, const std::string& detail) {
-        return check(point, std::span(&detail, 1));
+    [[nodiscard]] bool any() const { return !m_rules.empty(); }
+
+    /// What is to become of a request.
+    struct Verdict {
+        std::optional<Failure> failure;
+        std::chrono::milliseconds delay{}; ///< before the answer or the failure
+    };
+    /// Counts a request. `details` are the names that a rule's detail may mean. Of the failures that fit the
+    /// first rule's wins; delays add up.
+    Verdict judge(FailPoint point, std::span<const std::string> details);
+
+    /// The same for a request of a connection: its delay has passed when this returns, or the connection is
+    /// cut.
+    std::optional<Failure> check(Connection& connection, FailPoint point,
+                                 std::span<const std::string> details);
+    std::optional<Failure> check(Connection& connection, FailPoint point, const std::string& detail) {
+        return check(connection, point, std::span(&detail, 1));
     }
 
   private:

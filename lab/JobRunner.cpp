@@ -2,6 +2,7 @@
 #include "lab/JobRunner.h"
 
 #include <algorithm>
+#include <ctime>
 #include <exception>
 #include <utility>
 #include <vector>
@@ -14,8 +15,9 @@ constexpr std::chrono::milliseconds RETRY_WAIT{1000};
 
 } // namespace
 
-JobRunner::JobRunner(Store& store, std::chrono::milliseconds pace, Report report)
-    : m_store(store), m_pace(pace), m_report(std::move(report)) {
+JobRunner::JobRunner(Store& store, std::chrono::milliseconds pace, Report report,
+                     std::optional<std::int64_t> clock)
+    : m_store(store), m_pace(pace), m_report(std::move(report)), m_clock(clock) {
     for (const ID task : store.submittedTasks())
         m_due.emplace(task, Clock::now() + pace);
     m_thread = std::jthread([this](const std::stop_token& stop) { run(stop); });
@@ -50,7 +52,7 @@ void JobRunner::run(const std::stop_token& stop) {
         std::vector<ID> left = tasks;
         std::chrono::milliseconds wait = m_pace;
         try {
-            left = m_store.advanceTasks(tasks);
+            left = m_store.advanceTasks(tasks, m_clock.value_or(std::time(nullptr)));
         } catch (const std::exception& error) {
             wait = std::max(m_pace, RETRY_WAIT);
             if (m_report)

@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace Zorvane {
@@ -19,8 +20,9 @@ class JobRunner {
 
     /// Starts with the tasks that an earlier process left. A task stands in each state for the time of
     /// `pace`. `report` is told of a database failure, on the runner's thread; the step is tried again a pace
-    /// later.
-    JobRunner(Store& store, std::chrono::milliseconds pace, Report report = {});
+    /// later. Jobs end at the time of `clock`, seconds since 1970; without one at the machine's.
+    JobRunner(Store& store, std::chrono::milliseconds pace, Report report = {},
+              std::optional<std::int64_t> clock = {});
     JobRunner(const JobRunner&) = delete;
     JobRunner& operator=(const JobRunner&) = delete;
     /// Waits for a step under way, not for the jobs: the next process takes them up.
@@ -37,6 +39,7 @@ class JobRunner {
     Store& m_store;
     const std::chrono::milliseconds m_pace;
     const Report m_report;
+    const std::optional<std::int64_t> m_clock;
     std::mutex m_lock;
     std::condition_variable_any m_wake;
     std::map<ID, Clock::time_point> m_due; ///< when each task takes its next step

@@ -23,7 +23,7 @@ std::string line(long number) {
 } // namespace
 
 void KvnrdSession::run() {
-    m_connection.allow(m_lab.limits.opening);
+    m_connection.allow(m_lab.limits.opening, m_lab.limits.hurry);
     converse();
     m_connection.finish();
 }
@@ -42,7 +42,7 @@ void KvnrdSession::converse() {
 
 // Answers the greeting or the command with a status line; false if that was a failure that a rule asks for.
 bool KvnrdSession::admit(FailPoint point, const std::string& detail) {
-    const auto failure = m_lab.failures.check(point, detail);
+    const auto failure = m_lab.failures.check(m_connection, point, detail);
     if (failure)
         m_lab.log.write({SERVICE, point == FailPoint::Connect ? "connect" : "command", detail, "",
                          failureText(*failure)});
@@ -64,7 +64,7 @@ void KvnrdSession::list() {
     m_connection.allow(m_lab.limits.exchange);
     const ListingRequest request = {words[0], std::strtol(words[1].c_str(), nullptr, 10),
                                     std::strtol(words[2].c_str(), nullptr, 10), words[3], words[4]};
-    const auto failure = m_lab.failures.check(FailPoint::Listing, words[1]);
+    const auto failure = m_lab.failures.check(m_connection, FailPoint::Listing, words[1]);
     ListingReply reply = makeListing(m_lab.inventory, request);
     if (failure && failure->effect == FailEffect::Status)
         reply = {failure->status, {}};

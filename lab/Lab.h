@@ -18,6 +18,7 @@ namespace Zorvane {
 /// nothing, or a byte now and then, and would keep a thread from others.
 struct SessionLimits {
     std::chrono::milliseconds opening{10'000};  ///< until the request is known
+    std::chrono::milliseconds hurry{1'000};     ///< the same when all places are taken
     std::chrono::milliseconds exchange{60'000}; ///< from there to the last byte of the answer
     /// The rows of a large server are a few MB; read into a tree they take ten times their size.
     std::size_t document = std::size_t{16} << 20;

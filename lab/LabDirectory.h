@@ -2,6 +2,8 @@
 // A lab's directory: its files, and how it is made.
 #pragma once
 
+#include "lab/Estate.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -40,9 +42,11 @@ class LabDirectory {
 struct InitOptions {
     bool force = false; ///< a lab that stands there is replaced
     std::optional<std::uint16_t>
-        basePort; ///< the first of three ports in a row, at most 65533; else three free ones
+        basePort{}; ///< the first of three ports in a row, at most 65533; else three free ones
     std::optional<std::filesystem::path>
-        samples; ///< the folder of the documents to load; else the sample clients
+        samples{}; ///< the folder of the documents to load; else the sample clients
+    EstateOptions estate{};
+    bool quiet = false; ///< tells nothing on standard output
 };
 
 /// Makes a lab and tells on standard output what it did. LabError if it can't be made, or if one stands

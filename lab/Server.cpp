@@ -15,6 +15,7 @@
 #include <asio.hpp>
 #include <fcntl.h>
 #include <netinet/tcp.h>
+#include <unistd.h>
 
 namespace Zorvane {
 
@@ -66,10 +67,10 @@ class Watched {
         Connection& m_connection;
     };
 
-    void cutOverdue() {
+    void cutOverdue(bool othersWait) {
         const std::lock_guard lock(m_lock);
         for (Connection* connection : m_open)
-            if (connection->isOverdue(Connection::Clock::now()))
+            if (connection->isOverdue(Connection::Clock::now(), othersWait))
                 connection->cut();
     }
     void stop() {
@@ -110,11 +111,12 @@ class Server::Impl {
 
     void run() {
         std::signal(SIGPIPE, SIG_IGN); // a client that hangs up is a failed send
-        asio::signal_set signals(m_io, SIGTERM, SIGINT);
-        signals.async_wait([this](const asio::error_code& error, int) {
+        m_signals.async_wait([this](const asio::error_code& error, int) {
             if (!error)
                 m_io.stop();
         });
+        // Of the libraries' own, too: nothing is executed here, and nothing could take one along.
+        ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
         for (const auto& port : m_ports)
             accept(*port);
         watch();
@@ -192,13 +194,14 @@ class Server::Impl {
         m_timer.async_wait([this](const asio::error_code& error) {
             if (error)
                 return;
-            m_watched.cutOverdue();
+            m_watched.cutOverdue(m_open >= MAX_CONNECTIONS);
             acceptAll();
             watch();
         });
     }
 
     asio::io_context m_io;
+    asio::signal_set m_signals{m_io, SIGTERM, SIGINT}; ///< from the start: a signal before run() counts
     asio::steady_timer m_timer{m_io};
     std::vector<std::unique_ptr<Port>> m_ports;
     std::size_t m_open = 0; ///< connections; an accept that is under way may still add its own

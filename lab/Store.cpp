@@ -56,6 +56,32 @@ StoreResult answer(const Operation& operation) {
 
 const std::vector<unsigned char> NO_REPLY;
 
+// `rowsOf` gives the container of an element.
+template <class Configurations, class RowsOf>
+StoreResult loadTogether(Writer& writer, const Configurations& configurations, RowsOf rowsOf) {
+    std::size_t cleared = 0;
+    StoreResult result = answer([&] {
+        std::vector<Insertion> insertions;
+        for (auto& each : configurations) {
+            Insertion& insertion = insertions.emplace_back(Insertion::Mode::Whole);
+            forEachRow(rowsOf(each),
+                       [&](const TableDescriptor& table, BaseTable& row) { insertion.add(table, row); });
+            insertion.connectAll();
+            cleared += insertion.clearedReferences();
+        }
+        writer.run([&](Database& database) {
+            for (Insertion& insertion : insertions)
+                insertion.run(database);
+        });
+        for (auto& each : configurations)
+            forEachRow(rowsOf(each), markFromDb);
+        return NO_REPLY;
+    });
+    if (result.ok() && cleared > 0)
+        result.text = std::to_string(cleared) + " references to rows outside the document were set to 0";
+    return result;
+}
+
 void moveRows(CZor& from, CZor& to) {
     for (const VectorDescriptor& vector : allVectors()) {
         auto& source = vector.rows(from).records();
@@ -170,20 +196,12 @@ StoreResult Store::transaction(Document document) {
 }
 
 StoreResult Store::load(CZor& configuration) {
-    std::size_t cleared = 0;
-    StoreResult result = answer([&] {
-        Insertion insertion(Insertion::Mode::Whole);
-        forEachRow(configuration,
-                   [&](const TableDescriptor& table, BaseTable& row) { insertion.add(table, row); });
-        insertion.connectAll();
-        m_impl->writer.run([&](Database& database) { insertion.run(database); });
-        forEachRow(configuration, markFromDb);
-        cleared = insertion.clearedReferences();
-        return NO_REPLY;
-    });
-    if (cleared > 0)
-        result.text = std::to_string(cleared) + " references to rows outside the document were set to 0";
-    return result;
+    return loadTogether(m_impl->writer, std::span(&configuration, 1),
+                        [](CZor& each) -> CZor& { return each; });
+}
+
+StoreResult Store::load(std::span<const std::unique_ptr<CZor>> configurations) {
+    return loadTogether(m_impl->writer, configurations, [](const auto& each) -> CZor& { return *each; });
 }
 
 StoreResult Store::exportTree(const std::string& client, const std::string& configuration, CZor& tree) const {
@@ -265,12 +283,12 @@ std::vector<ID> Store::submittedTasks() const {
     return ids;
 }
 
-std::vector<ID> Store::advanceTasks(const std::vector<ID>& ids) {
+std::vector<ID> Store::advanceTasks(const std::vector<ID>& ids, std::int64_t now) {
     std::vector<ID> left;
     m_impl->writer.run([&](Database& database) {
         left.clear();
         for (const ID id : ids)
-            if (advanceTask(database, id))
+            if (advanceTask(database, id, now))
                 left.push_back(id);
     });
     return left;

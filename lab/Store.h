@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -84,6 +85,8 @@ class Store {
     /// their new numbers, those to rows that the container doesn't hold become 0. The rows have their numbers
     /// of the database behind it.
     StoreResult load(CZor& configuration);
+    /// The same for many, each by itself in what its references mean, and all or nothing: in one commit.
+    StoreResult load(std::span<const std::unique_ptr<CZor>> configurations);
     /// Adds a configuration's tree to the container, without the jobs that were submitted for it. Names are
     /// compared as clients do, without case; with an empty configuration name it is the one of that client
     /// that came last.
@@ -109,8 +112,9 @@ class Store {
     /// Submitted tasks, in order of Id.
     [[nodiscard]] std::vector<ID> submittedTasks() const;
     /// Takes submitted tasks a step further, in one commit: QUEUED to ACTIVE to DONE, and from there with the
-    /// disk map to the log tables. Returns those that have a further step to go.
-    std::vector<ID> advanceTasks(const std::vector<ID>& ids);
+    /// disk map to the log tables, where they ended `now` (seconds since 1970). Returns those that have a
+    /// further step to go.
+    std::vector<ID> advanceTasks(const std::vector<ID>& ids, std::int64_t now);
 
   private:
     class Impl;

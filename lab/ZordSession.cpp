@@ -16,6 +16,8 @@ namespace {
 
 constexpr const char* NO_SECURITY = "0 0"; ///< what a client opens with when security is prohibited
 
+constexpr const char* OTHER_VERSION = "5.1.0"; ///< of a daemon on demand
+
 constexpr std::uint8_t COMPATIBLE = 1;
 constexpr std::uint8_t NOT_COMPATIBLE = 2;
 
@@ -67,8 +69,8 @@ void sendMethodReply(Connection& connection, const MethodResult& result, bool wi
 } // namespace
 
 void ZordSession::run() {
-    m_connection.allow(m_lab.limits.opening);
-    if (const auto failure = m_lab.failures.check(FailPoint::Connect, m_service)) {
+    m_connection.allow(m_lab.limits.opening, m_lab.limits.hurry);
+    if (const auto failure = m_lab.failures.check(m_connection, FailPoint::Connect, m_service)) {
         m_lab.log.write({m_service, "connect", "", "", failureText(*failure)});
         answerBadly(m_connection, failure->effect, NO_PACKET);
     } else if (AnyPacket packet; open() && RecvPacket(m_connection.descriptor(), packet) > 0) {
@@ -87,8 +89,13 @@ bool ZordSession::open() {
     reply.version.set(ZOR_CLIENT_VERSION);
     reply.esmType.set(ZOR_ESM_TYPE);
     reply.status = std::string_view(request.esmType.c_str()) == ZOR_ESM_TYPE ? COMPATIBLE : NOT_COMPATIBLE;
-    if (const auto failure = m_lab.failures.check(FailPoint::Version, m_service)) {
+    if (const auto failure = m_lab.failures.check(m_connection, FailPoint::Version, m_service)) {
         m_lab.log.write({m_service, "version", request.version.c_str(), "", failureText(*failure)});
+        if (failure->effect == FailEffect::Other) {
+            reply.version.set(OTHER_VERSION);
+            reply.status = NOT_COMPATIBLE;
+            return SendPacket(m_connection.descriptor(), reply) > 0;
+        }
         if (failure->effect != FailEffect::Status) {
             answerBadly(m_connection, failure->effect, VERSION_REPLY);
             return false;
@@ -110,25 +117,37 @@ void ZordSession::answer(AnyPacket& packet) {
 }
 
 void ZordSession::database(const DbRequest& request) {
-    if (request.byteCount < 0 || static_cast<std::size_t>(request.byteCount) > m_lab.limits.document) {
-        m_lab.log.write({m_service, "refused", "document", std::to_string(request.byteCount),
-                         std::to_string(STORE_TOO_MUCH)});
-        return sendRows({STORE_TOO_MUCH, {}, {}}, std::nullopt, false);
-    }
+    if (request.byteCount < 0 || static_cast<std::size_t>(request.byteCount) > m_lab.limits.document)
+        return refuse(request.byteCount);
+    const DocumentTurns::Room room(m_lab.turns, static_cast<std::size_t>(request.byteCount));
+    if (!room.isGranted())
+        return refuse(request.byteCount);
     const auto document = m_connection.read(static_cast<std::size_t>(request.byteCount));
     if (!document)
         return;
+    if (DocumentTurns::isTooFull(*document))
+        return refuse(request.byteCount);
     std::optional<Failure> failure;
     const StoreResult result = work(request.command, *document, failure);
     // Clients read a document behind these two replies only.
     sendRows(result, failure, request.command == ZOROP_QUERY || request.command == ZOROP_INSERT);
 }
 
+void ZordSession::refuse(std::int32_t byteCount) {
+    m_lab.log.write(
+        {m_service, "refused", "document", std::to_string(byteCount), std::to_string(STORE_TOO_MUCH)});
+    sendRows({STORE_TOO_MUCH, {}, {}}, std::nullopt, false);
+}
+
 StoreResult ZordSession::work(int command, std::string_view document, std::optional<Failure>& failure) {
-    const DocumentTurns::Turn turn(m_lab.turns, document.size());
-    const RequestSummary summary = summarize(command, document);
+    const DocumentTurns::Turn turn(m_lab.turns, document.size(), m_connection);
+    if (!turn.isGranted())
+        return {STORE_TOO_MUCH, {}, {}};
+    // A second look at the document costs as much as the work itself.
+    const bool isWatched = m_lab.log.isOpen() || m_lab.failures.any();
+    const RequestSummary summary = isWatched ? summarize(command, document) : RequestSummary();
     if (summary.point)
-        failure = m_lab.failures.check(*summary.point, summary.tables);
+        failure = m_lab.failures.check(m_connection, *summary.point, summary.tables);
     StoreResult result;
     if (!failure || spoilsDocument(failure->effect))
         result = runRequest(m_lab.store, command, document);
@@ -144,9 +163,9 @@ void ZordSession::sendRows(const StoreResult& result, std::optional<Failure> fai
     reply.status = static_cast<std::uint8_t>(result.status);
     if (failure && failure->effect == FailEffect::Status)
         reply.status = static_cast<std::uint8_t>(failure->status);
-    else if (failure && !spoilsDocument(failure->effect))
+    else if (failure && !(withReply && spoilsDocument(failure->effect)))
         return answerBadly(m_connection, failure->effect, DB_REPLY);
-    if (failure && spoilsDocument(failure->effect)) {
+    else if (failure) {
         spoiled = spoiledDocument(failure->effect, document);
         // Half a document is announced as the whole.
         reply.number =
@@ -161,7 +180,7 @@ void ZordSession::sendRows(const StoreResult& result, std::optional<Failure> fai
 
 void ZordSession::method(const MethodExecute& request) {
     const MethodCall call(request);
-    const auto failure = failureOf(m_lab, call);
+    const auto failure = failureOf(m_lab, m_connection, call);
     MethodResult result;
     if (!failure)
         result = runMethod(m_lab, call);

@@ -25,6 +25,8 @@ class ZordSession {
     bool open();
     void answer(AnyPacket& packet);
     void database(const DbRequest& request);
+    /// For a document that is too large, or one too many.
+    void refuse(std::int32_t byteCount);
     /// Runs a database request, or says how it is to fail.
     StoreResult work(int command, std::string_view document, std::optional<Failure>& failure);
     void sendRows(const StoreResult& result, std::optional<Failure> failure, bool withReply);

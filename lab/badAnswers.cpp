@@ -69,6 +69,10 @@ void answerBadly(Connection& connection, FailEffect effect, std::uint16_t packet
     case FailEffect::Long:
         connection.write(longPacket(packetType));
         break;
+    case FailEffect::Half:
+        // Half a line has no line feed.
+        connection.write(packetType == NO_PACKET ? "0" : longPacket(packetType).substr(0, PACKET_SIZE / 2));
+        break;
     default: // nothing at all: the connection ends
         break;
     }

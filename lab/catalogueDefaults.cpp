@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 namespace Zorvane {
 
@@ -44,13 +45,21 @@ std::vector<std::string> unixFiles(const std::string& dataPath) {
             dataPath + "/config.xml"};
 }
 
+std::string fileList(const std::vector<std::string>& files) {
+    std::string text = "[\n";
+    for (const std::string& file : files)
+        text += "    " + tomlQuoted(file) + ",\n";
+    return text + "  ]\n";
+}
+
+constexpr const char* WINDOWS_BIOS = "windows-bios";
+constexpr const char* WINDOWS_EFI = "windows-efi";
+constexpr const char* UNIX = "unix";
+
 void appendImage(std::string& text, const std::string& policy, const char* schedule, std::int64_t time,
                  const std::vector<std::string>& files) {
     text += "\n  [[client.image]]\n  policy = " + tomlQuoted(policy) + "\n  schedule = \"" + schedule +
-            "\"\n  time = " + std::to_string(time) + "\n  files = [\n";
-    for (const std::string& file : files)
-        text += "    " + tomlQuoted(file) + ",\n";
-    text += "  ]\n";
+            "\"\n  time = " + std::to_string(time) + "\n  files = " + fileList(files);
 }
 
 } // namespace
@@ -84,6 +93,25 @@ std::string catalogueEntry(const CZor& configuration) {
     appendImage(text, policy, INCREMENTAL, taken - DAY, {files.front()});
     appendImage(text, policy, full, taken - 7 * DAY, files);
     return text;
+}
+
+std::string sharedContents() {
+    const std::pair<const char*, std::vector<std::string>> contents[] = {
+        {WINDOWS_BIOS, windowsFiles("C:/Windows", true)},
+        {WINDOWS_EFI, windowsFiles("C:/Windows", false)},
+        {UNIX, unixFiles("/usr/tarnv/kelvarion/zorvane/client/data")},
+    };
+    std::string text;
+    for (const auto& [name, files] : contents)
+        text += std::string("\n[[content]]\nname = \"") + name + "\"\nfiles = " + fileList(files);
+    return text;
+}
+
+std::string sharedContentOf(const CZor& configuration) {
+    const CSystem* system = configuration.m_vSystem.first();
+    if (!system || system->getOs() != OsType::NT)
+        return UNIX;
+    return system->getFirmware() == FirmwareType::BIOS ? WINDOWS_BIOS : WINDOWS_EFI;
 }
 
 } // namespace Zorvane

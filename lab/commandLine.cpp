@@ -7,6 +7,7 @@
 #include "lab/capture.h"
 #include "lab/configurationFiles.h"
 #include "lab/jobReport.h"
+#include "lab/loadScenario.h"
 #include "lab/rows.h"
 #include "lab/schema.h"
 #include "lab/serveLab.h"
@@ -14,9 +15,11 @@
 #include "lab/xmlSchema.h"
 #include "suite/printable.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -30,6 +33,7 @@ constexpr int EXIT_FAILED = 1;
 constexpr int EXIT_BAD_COMMAND_LINE = 2;
 
 constexpr double MAX_JOB_SECONDS = 86400;
+constexpr std::int64_t LATEST_CLOCK = 4'102'444'800; ///< the year 2100
 
 constexpr const char* EXITS =
     "Exit status: 0 done; 1 the command failed, and standard error says why; 2 the command "
@@ -40,6 +44,7 @@ struct Options {
     std::string directory;
     InitOptions init;
     std::string samples;
+    std::int64_t clock = 0;
     ServeOptions serve;
     std::vector<std::string> rules;
     double jobSeconds = 5;
@@ -47,6 +52,8 @@ struct Options {
     std::string client;
     std::string configuration;
     std::string (*schema)() = nullptr;
+    std::string scenario;
+    bool json = false;
 };
 
 CLI::App* addCommand(CLI::App& app, const char* name, const char* purpose, Options& options) {
@@ -66,6 +73,13 @@ std::string ruleComplaint(const std::string& rule) {
     }
 }
 
+// A fixed time in place of the machine's.
+CLI::Option* addClock(CLI::App* command, const char* purpose, Options& options) {
+    return command->add_option("--clock", options.clock, std::string(purpose) + " (seconds since 1970)")
+        ->check(CLI::Range(std::int64_t{1}, LATEST_CLOCK))
+        ->type_name("EPOCH");
+}
+
 void addInit(CLI::App& app, Options& options) {
     CLI::App* command = addCommand(app, "init", "Make a lab directory with the sample clients.", options);
     command->add_flag("--force", options.init.force, "replace a lab that stands there");
@@ -74,9 +88,23 @@ void addInit(CLI::App& app, Options& options) {
                      "the first of three ports in a row; else three free ones")
         ->check(CLI::Range(1, 65533));
     command->add_option("--samples", options.samples, "load the documents (*.xml) of this folder instead");
-    command->callback([&options] {
+    const std::map<std::string, EstateSize> sizes = {
+        {"small", EstateSize::Small}, {"medium", EstateSize::Medium}, {"large", EstateSize::Large}};
+    command
+        ->add_option("--estate", options.init.estate.size,
+                     "add clients and targets of that many: " + estateSizes())
+        ->transform(CLI::CheckedTransformer(sizes).description(""))
+        ->type_name("small|medium|large");
+    command
+        ->add_option("--seed", options.init.estate.seed, "what the estate's names and sizes are drawn from")
+        ->capture_default_str();
+    CLI::Option* clock =
+        addClock(command, "when the estate's latest configurations were saved; else now", options);
+    command->callback([&options, clock] {
         if (!options.samples.empty())
             options.init.samples = options.samples;
+        if (clock->count() > 0)
+            options.init.estate.clock = options.clock;
         initLab(LabDirectory(options.directory), options.init);
     });
 }
@@ -98,8 +126,11 @@ void addServe(CLI::App& app, Options& options) {
                      "the address to listen on; mind that a lab asks nobody for a password")
         ->capture_default_str();
     command->add_flag("--trace", options.serve.trace, "write every request to DIR/requests.log");
+    CLI::Option* clock = addClock(command, "the time at which jobs end; else that of the machine", options);
     command->footer("RULE is " + failRuleHelp() + "\n" + EXITS);
-    command->callback([&options] {
+    command->callback([&options, clock] {
+        if (clock->count() > 0)
+            options.serve.clock = options.clock;
         for (const std::string& rule : options.rules)
             options.serve.failures.push_back(parseFailRule(rule));
         options.serve.pace = std::chrono::milliseconds(static_cast<std::int64_t>(options.jobSeconds * 1000));
@@ -124,7 +155,7 @@ void addDatabaseCommands(CLI::App& app, Options& options) {
     onStore(load, options, [](Store& store, const Options& given) {
         for (const std::string& file : given.files) {
             CZor rows;
-            loadConfiguration(store, file, rows);
+            loadConfiguration(store, file, rows, std::cout);
         }
     });
 
@@ -138,6 +169,24 @@ void addDatabaseCommands(CLI::App& app, Options& options) {
 
     CLI::App* jobs = addCommand(app, "jobs", "List the submitted jobs and their states.", options);
     onStore(jobs, options, [](Store& store, const Options&) { std::cout << jobReport(store); });
+}
+
+void addScenario(CLI::App& app, Options& options) {
+    CLI::App* command =
+        app.add_subcommand("scenario", "List the prepared scenarios, one for each message of zorb2v at "
+                                       "least; or prepare one in a lab, and tell what to type and what "
+                                       "must come of it.");
+    command->footer(EXITS);
+    CLI::Option* name = command->add_option("NAME", options.scenario, "the scenario");
+    CLI::Option* directory =
+        command->add_option("DIR", options.directory, "the lab's directory; made if there is none");
+    name->needs(directory);
+    command->add_flag("--json", options.json, "for programs");
+    command->callback([&options] {
+        std::cout << (options.scenario.empty()
+                          ? scenarioList(options.json)
+                          : loadScenario(LabDirectory(options.directory), options.scenario, options.json));
+    });
 }
 
 void addSchema(CLI::App& app, Options& options) {
@@ -183,12 +232,14 @@ int runZorlab(int argc, char** argv) {
     addServe(app, options);
     addDatabaseCommands(app, options);
     addSchema(app, options);
+    addScenario(app, options);
     addCapture(app);
     try {
         app.parse(argc, argv);
         // Not left to the library, which would complain of a mistyped command without its name.
         if (app.get_subcommands().empty())
-            throw CLI::RequiredError("A command (init, serve, load, export, jobs, schema or capture)");
+            throw CLI::RequiredError(
+                "A command (init, serve, load, export, jobs, scenario, schema or capture)");
         std::cout.flush();
         if (!std::cout)
             throw LabError("standard output can't be written");

@@ -5,7 +5,7 @@
 #include "lab/Store.h"
 #include "suite/printable.h"
 
-#include <iostream>
+#include <ostream>
 
 namespace Zorvane {
 
@@ -14,28 +14,33 @@ namespace {
 // What a document of one client may be: far more than any has, and far less than memory.
 constexpr std::uintmax_t MAX_DOCUMENT_SIZE = std::uintmax_t{256} << 20;
 
+[[noreturn]] void refuse(const std::filesystem::path& file, const std::string& why) {
+    throw LabError(file.string() + ": " + Suite::printable(why));
+}
+
 } // namespace
 
-void loadConfiguration(Store& store, const std::filesystem::path& file, CZor& rows) {
-    const auto refuse = [&file](const std::string& why) {
-        throw LabError(file.string() + ": " + Suite::printable(why));
-    };
+void readConfiguration(const std::filesystem::path& file, CZor& rows) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error))
-        refuse(error ? error.message() : "not a file");
+        refuse(file, error ? error.message() : "not a file");
     if (std::filesystem::file_size(file) > MAX_DOCUMENT_SIZE)
-        refuse("too large for a configuration's document");
+        refuse(file, "too large for a configuration's document");
 
     std::string name = file.string();
     if (rows.readXml(name) != 0)
-        refuse("no document of a configuration; \"zorlab export\" writes one");
-    const CConfig* config = rows.m_vConfig.first();
-    if (!config)
-        refuse("the document has no Config row, so it is no configuration");
+        refuse(file, "no document of a configuration; \"zorlab export\" writes one");
+    if (!rows.m_vConfig.first())
+        refuse(file, "the document has no Config row, so it is no configuration");
+}
+
+void loadConfiguration(Store& store, const std::filesystem::path& file, CZor& rows, std::ostream& out) {
+    readConfiguration(file, rows);
     if (const StoreResult result = store.load(rows); !result.ok())
-        refuse("the database refused it: " + result.text);
-    std::cout << "loaded client " << Suite::printable(config->getClientName()) << ", configuration "
-              << Suite::printable(config->getName()) << "\n";
+        refuse(file, "the database refused it: " + result.text);
+    const CConfig& config = *rows.m_vConfig.first();
+    out << "loaded client " << Suite::printable(config.getClientName()) << ", configuration "
+        << Suite::printable(config.getName()) << "\n";
 }
 
 std::string exportConfiguration(const Store& store, const std::string& client,

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/Catalogue.h"
+#include "lab/Estate.h"
 #include "lab/LabDirectory.h"
 #include "lab/LabError.h"
 #include "lab/Store.h"
@@ -13,6 +14,7 @@
 #include <fstream>
 #include <iostream>
 #include <random>
+#include <sstream>
 #include <vector>
 
 #include <asio.hpp>
@@ -35,7 +37,8 @@ constexpr std::string_view CATALOGUE_HEAD =
 #
 # type is 13 for a Windows client and 0 for all others. schedule "Full" makes a full image; policy and schedule are
 # single words. time is a date and time (2026-11-22T22:00:00Z) or seconds since 1970. A client with status = 192, 193
-# or 116 answers every command with that status, as a catalogue does that can't be read.
+# or 116 answers every command with that status, as a catalogue does that can't be read. An image may name the list of
+# a [[content]] in place of one of its own, or in addition to it.
 )toml";
 
 // A folder of what is shipped: beside the program's folder in a build tree and in an installation of its own,
@@ -128,21 +131,24 @@ void initLab(const LabDirectory& directory, const InitOptions& options) {
         throw LabError("cannot make the lab directory " + directory.path().string() + ": " +
                        failure.code().message());
     }
-    write(directory.inventory(), std::string(DEFAULT_INVENTORY));
+    write(directory.inventory(), std::string(DEFAULT_INVENTORY) + estateInventory(options.estate));
 
+    std::ostringstream unheard;
+    std::ostream& out = options.quiet ? unheard : std::cout;
     Store store(directory.database());
     std::string catalogue(CATALOGUE_HEAD);
     for (const fs::path& document : documents) {
         CZor rows;
-        loadConfiguration(store, document, rows);
+        loadConfiguration(store, document, rows, out);
         catalogue += catalogueEntry(rows);
     }
+    catalogue += loadEstate(store, options.estate, shipped("samples"), out);
     write(directory.catalogue(), catalogue);
     // Last: with it the directory is a lab.
     write(directory.configuration(), configurationText(directory, ports));
-    std::cout << "lab made in " << directory.path().string() << "; serve it with: zorlab serve "
-              << directory.path().string()
-              << "\nclients find it with: export KVN_CONF=" << directory.configuration().string() << "\n";
+    out << "lab made in " << directory.path().string() << "; serve it with: zorlab serve "
+        << directory.path().string()
+        << "\nclients find it with: export KVN_CONF=" << directory.configuration().string() << "\n";
 }
 
 } // namespace Zorvane

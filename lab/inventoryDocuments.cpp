@@ -87,9 +87,9 @@ void dataCenterNode(Xml& xml, const InventoryDataCenter& dataCenter) {
             else
                 clusters[host.cluster].push_back(&host);
         }
-        for (const auto& [name, hosts] : clusters)
-            node(xml, NodeType::Cluster, name, [&] {
-                for (const InventoryHost* host : hosts)
+        for (const auto& cluster : clusters)
+            node(xml, NodeType::Cluster, cluster.first, [&] {
+                for (const InventoryHost* host : cluster.second)
                     hostNode(xml, *host);
             });
     });
@@ -124,14 +124,14 @@ void storeTree(Xml& xml, const InventoryDataCenter& dataCenter, const InventoryH
                     if (each.pod.empty())
                         store(xml, each);
                 // A pod is a target of its own, as large as its parts together.
-                for (const auto& [name, stores] : pods)
+                for (const auto& pod : pods)
                     xml.element("StoragePod", {}, [&] {
                         std::uint64_t freeBytes = 0;
-                        for (const InventoryStore* each : stores)
+                        for (const InventoryStore* each : pod.second)
                             freeBytes += each->freeBytes;
-                        xml.value("Name", name);
+                        xml.value("Name", pod.first);
                         xml.value("Freespace", std::to_string(freeBytes));
-                        for (const InventoryStore* each : stores)
+                        for (const InventoryStore* each : pod.second)
                             store(xml, *each);
                     });
             });

@@ -5,7 +5,6 @@
 #include "lab/schema.h"
 #include "model/task_records.h"
 
-#include <ctime>
 #include <string>
 
 namespace Zorvane {
@@ -23,7 +22,7 @@ std::string commonColumns(const TableDescriptor& log, const TableDescriptor& tab
     return columns;
 }
 
-void moveToLog(Database& database, ID id) {
+void moveToLog(Database& database, ID id, std::int64_t now) {
     using Task = CP2VRestoreTask;
     using TaskLog = CP2VRestoreTaskLog;
     using Map = CDiskToDataStoreMap;
@@ -33,7 +32,7 @@ void moveToLog(Database& database, ID id) {
     database
         .kept("INSERT INTO " + std::string(TaskLog::TableName) + '(' + taskColumns +
               ",Status,EndTime) SELECT " + taskColumns + ",0,?2 FROM " + Task::TableName + " WHERE Id=?1")
-        ->with(id, std::int64_t{std::time(nullptr)})
+        ->with(id, now)
         .step();
     database
         .kept("INSERT INTO " + std::string(MapLog::TableName) + '(' + mapColumns +
@@ -67,7 +66,7 @@ std::vector<ID> submittedTasks(Database& database) {
     return ids;
 }
 
-bool advanceTask(Database& database, ID id) {
+bool advanceTask(Database& database, ID id, std::int64_t now) {
     const auto found = selectRecords<CP2VRestoreTask>(
         database, " WHERE Id=?1 AND Id IN (SELECT TaskId FROM " + SUBMITTED + ")", id);
     const TaskState state = found.empty() ? TaskState::EMPTY : found.front().getState();
@@ -80,7 +79,7 @@ bool advanceTask(Database& database, ID id) {
         return true;
     }
     if (!found.empty())
-        moveToLog(database, id);
+        moveToLog(database, id, now);
     database.kept("DELETE FROM " + SUBMITTED + " WHERE TaskId=?1")->with(id).step();
     return false;
 }

@@ -115,14 +115,14 @@ MethodResult methodFailure(std::int32_t value, MethodMessage message,
     return {value, {}, error};
 }
 
-std::optional<Failure> failureOf(Lab& lab, const MethodCall& call) {
+std::optional<Failure> failureOf(Lab& lab, Connection& connection, const MethodCall& call) {
     const Method* method = findMethod(call);
     if (!method)
         return std::nullopt;
     std::string detail = call.parameter(method->detail);
     if (method->point == FailPoint::Catalogue) // the command of a command line
         detail.resize(std::min(detail.find(' '), detail.size()));
-    return lab.failures.check(method->point, detail);
+    return lab.failures.check(connection, method->point, detail);
 }
 
 MethodResult runMethod(Lab& lab, const MethodCall& call) {

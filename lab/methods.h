@@ -45,8 +45,8 @@ enum MethodMessage : std::int32_t {
 MethodResult methodFailure(std::int32_t value, MethodMessage message,
                            const std::vector<std::string>& parameters);
 
-/// The failure on demand that applies to the call, if one does; counts the call.
-std::optional<Failure> failureOf(Lab& lab, const MethodCall& call);
+/// The failure on demand that applies to the call, if one does; counts the call, and waits out its delay.
+std::optional<Failure> failureOf(Lab& lab, Connection& connection, const MethodCall& call);
 MethodResult runMethod(Lab& lab, const MethodCall& call);
 
 } // namespace Zorvane

@@ -26,7 +26,7 @@ void serveLab(const LabDirectory& directory, ServeOptions options) {
     directory.mustExist();
     const LabPorts ports = directory.ports();
     Store store(directory.database());
-    JobRunner jobs(store, options.pace, reportJobFailure);
+    JobRunner jobs(store, options.pace, reportJobFailure, options.clock);
     FailRules failures(std::move(options.failures));
     const auto log =
         options.trace ? std::make_unique<RequestLog>(directory.requestLog()) : std::make_unique<RequestLog>();

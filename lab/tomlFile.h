@@ -3,6 +3,8 @@
 // pen.
 #pragma once
 
+#include "suite/toml.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -10,8 +12,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <toml++/toml.h>
 
 namespace Zorvane {
 

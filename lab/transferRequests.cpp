@@ -7,6 +7,7 @@
 #include "ops/packets.h"
 #include "ops/sendrecv.h"
 
+#include <algorithm>
 #include <cctype>
 #include <fstream>
 #include <sstream>
@@ -59,7 +60,8 @@ class Transfer {
     // The log of a client's work, up to the end of the stream. Nobody waits for an answer.
     void take(LogRequest& request) {
         std::string text;
-        const bool kept = m_connection.readToEnd(text, m_lab.limits.document) &&
+        const DocumentTurns::Room room(m_lab.turns, m_lab.limits.document);
+        const bool kept = room.isGranted() && m_connection.readToEnd(text, m_lab.limits.document) &&
                           keep(m_lab, placeOf(m_lab, request.name.c_str(), "log"), text);
         note("log", request.name.c_str(), std::to_string(text.size()), kept ? DONE : FAILED);
     }
@@ -82,7 +84,8 @@ class Transfer {
     }
 
     void take(PushRequest& request) {
-        const auto bytes = content(request.byteCount);
+        const DocumentTurns::Room room = roomFor(request.byteCount);
+        const auto bytes = content(room, request.byteCount);
         if (!bytes)
             return reply(PushReply(), FAILED);
         const bool kept =
@@ -110,19 +113,25 @@ class Transfer {
 
     // A configuration's rows come as a document and are loaded as new ones.
     void take(ImportRequest& request) {
-        auto bytes = content(request.byteCount);
-        const DocumentTurns::Turn turn(m_lab.turns, bytes ? bytes->size() : 0);
+        const DocumentTurns::Room room = roomFor(request.byteCount);
+        auto bytes = content(room, request.byteCount);
+        const DocumentTurns::Turn turn(m_lab.turns, bytes ? bytes->size() : 0, m_connection);
         CZor rows;
-        const bool read = bytes && rows.readXml(reinterpret_cast<unsigned char*>(bytes->data()),
-                                                static_cast<int>(bytes->size())) == 0;
+        const bool read = bytes && turn.isGranted() && !DocumentTurns::isTooFull(*bytes) &&
+                          rows.readXml(reinterpret_cast<unsigned char*>(bytes->data()),
+                                       static_cast<int>(bytes->size())) == 0;
         const int status = read ? m_lab.store.load(rows).status : static_cast<int>(STORE_BAD_DOCUMENT);
         note("import", request.client.c_str(), request.configuration.c_str(), status);
         reply(ImportReply(), static_cast<std::uint8_t>(status));
     }
 
   private:
-    std::optional<std::string> content(std::int32_t byteCount) {
-        if (byteCount < 0 || static_cast<std::size_t>(byteCount) > m_lab.limits.document)
+    DocumentTurns::Room roomFor(std::int32_t byteCount) {
+        return {m_lab.turns, static_cast<std::size_t>(std::max(byteCount, 0))};
+    }
+
+    std::optional<std::string> content(const DocumentTurns::Room& room, std::int32_t byteCount) {
+        if (!room.isGranted() || byteCount < 0 || static_cast<std::size_t>(byteCount) > m_lab.limits.document)
             return std::nullopt;
         return m_connection.read(static_cast<std::size_t>(byteCount));
     }

@@ -14,9 +14,13 @@ namespace Zorvane {
 
 namespace {
 
-/// What a catalogue command says when the catalogue itself could not be consulted.
-bool isCatalogueFailure(std::uint32_t status) {
-    return status == 192 || status == 193 || status == 116;
+// The message of what a step has found; the arguments are for the messages that take several.
+void tell(const FirstFinding& refusal, std::vector<std::string> arguments = {}) {
+    if (!refusal.finding())
+        return;
+    Finding finding = *refusal.finding();
+    finding.arguments = std::move(arguments);
+    tellFailure(finding);
 }
 
 void showError(const CB2VResource& resource) {
@@ -31,7 +35,7 @@ int CZorb2vCommandLine::execute(const Arguments& arguments) {
         trace.write(LEVEL_TRACE, "Invalid input.");
         usage();
     }
-    if (const int rc = readConfiguration())
+    if (const int rc = readConfiguration(m_input))
         return trace.leave(rc, ", return ZOR_ERROR");
     if (m_helpRequested)
         usage();
@@ -39,17 +43,19 @@ int CZorb2vCommandLine::execute(const Arguments& arguments) {
     return trace.leave(rc, ", rc=", rc);
 }
 
-int CZorb2vCommandLine::readConfiguration() {
-    CZor& config = m_input.clientConfig;
-    if (queryConfigRecord(config, m_input.clientName, m_input.configName) != 0) {
-        tellFailure(MSG_QUERY_FAILED);
+int CZorb2vCommandLine::readConfiguration(B2VInput& input) {
+    CZor& config = input.clientConfig;
+    if (queryConfigRecord(config, input.clientName, input.configName) != 0) {
+        m_findings.report({.kind = FindingKind::DATABASE_NOT_ASKED, .isUnanswered = true});
         return ZOR_ERROR;
     }
-    if (config.m_vConfig.empty() || queryConfigTree(config) != 0) {
-        tellFailure(MSG_CONFIG_NOT_FOUND, m_input.configName);
-        return ZOR_ERROR;
-    }
-    return ZOR_SUCCESS;
+    const bool isThere = !config.m_vConfig.empty();
+    if (isThere && queryConfigTree(config) == 0)
+        return ZOR_SUCCESS;
+    m_findings.report({.kind = isThere ? FindingKind::CONFIG_NOT_READ : FindingKind::CONFIG_UNKNOWN,
+                       .value = input.configName,
+                       .isUnanswered = isThere});
+    return ZOR_ERROR;
 }
 
 // The resource is gone before the final message of each path.
@@ -58,15 +64,17 @@ int CZorb2vCommandLine::convert() {
     std::unique_ptr<CB2VResource> resource = CreateB2VResource(&m_input.veType);
     if (!resource)
         return trace.leave(1, ", rc=", 1);
+    FirstFinding refusal;
+    resource->reportTo(refusal);
 
     if (!resource->isClientSupported(m_input.clientConfig)) {
         resource.reset();
-        tellFailure(MSG_CLIENT_UNSUPPORTED, m_input.clientName, m_input.configName);
+        tell(refusal, {m_input.clientName, m_input.configName});
         return trace.leave(1, ", rc=", 1);
     }
-    if (const std::uint32_t rc = resource->isFullBackupAvail(m_input, m_input.configName)) {
+    if (resource->isFullBackupAvail(m_input, m_input.configName) != 0) {
         resource.reset();
-        tellFailure(isCatalogueFailure(rc) ? MSG_CATALOGUE_UNAVAILABLE : MSG_NO_FULL_BACKUP);
+        tell(refusal);
         return trace.leave(1, ", rc=", 1);
     }
     // The console has prepared its profile and made the checks of the target itself.
@@ -87,7 +95,7 @@ int CZorb2vCommandLine::convert() {
     const std::uint32_t pendingResult = resource->isAnyPendingP2Vjob(m_input, pending);
     if (pending) {
         resource.reset();
-        tellFailure(MSG_JOB_PENDING);
+        tell(refusal);
         return trace.leave(1, ", rc=", 1);
     }
     if (pendingResult != 0) {

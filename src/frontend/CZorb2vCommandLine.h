@@ -2,6 +2,8 @@
 // What a run is told, and the run itself.
 #pragma once
 
+#include "frontend/messageNumbers.h"
+#include "frontend/veconfig.h"
 #include "resources/B2VInput.h"
 
 #include <cstddef>
@@ -26,7 +28,8 @@ class CZorb2vCommandLine {
   public:
     using Arguments = std::vector<std::string>;
 
-    CZorb2vCommandLine();
+    /// Steps report to `findings`, which is borrowed; by default the user's terminal.
+    explicit CZorb2vCommandLine(Findings& findings = toldFindings());
 
     /// Runs a conversion from the arguments behind the program name. 0 when the job was submitted, 1 when it
     /// was refused, 3 when the client's configuration can't be read; bad usage ends the process with
@@ -35,8 +38,11 @@ class CZorb2vCommandLine {
 
     /// 0, or 1 when the master server's name can't be had; the other defaults are then not set.
     int initializeDefaults(B2VInput& input);
-    /// Takes all options in their fixed order; 0, or the code of the first step that failed.
+    /// Takes all options in their fixed order; 0, or the code of the first step that failed. The steps behind
+    /// it are only taken if all findings are wanted.
     int parseArguments(const Arguments& arguments, B2VInput& input);
+    /// Reads the client's configuration into the input; 0, or 3.
+    int readConfiguration(B2VInput& input);
     /// Whether the input is complete, the resource's defaults included: 0, or 1.
     int validateInput(const B2VInput& input);
     /// Shows the usage page and ends the process with status 1.
@@ -63,17 +69,23 @@ class CZorb2vCommandLine {
 
     [[nodiscard]] const B2VInput& input() const { return m_input; }
     [[nodiscard]] const std::string& veConfigFile() const { return m_veConfigFile; }
+    [[nodiscard]] const VEconfigLines& veConfigLines() const { return m_veConfigLines; }
+    [[nodiscard]] bool isHelpRequested() const { return m_helpRequested; }
 
   private:
-    int readConfiguration();
     int convert();
 
+    Findings& m_findings;
     std::string m_veConfigFile;
+    VEconfigLines m_veConfigLines;
     bool m_helpRequested = false;
     bool m_invokedByOthers = false;
     std::string m_version;
     B2VInput m_input;
 };
+
+/// The names of all options.
+std::vector<std::string> optionNames();
 
 /// The suite's configured master server; 0, or 3 if there is none.
 int GetMasterServerName(std::string& name);

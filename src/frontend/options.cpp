@@ -37,7 +37,15 @@ constexpr CommandOption OPTION_SYSTEM_ONLY{"-systemOnly", 3};
 constexpr CommandOption OPTION_VERSION{"-version", 4};
 constexpr CommandOption OPTION_VEPROFILE{"-veprofile", 4};
 constexpr CommandOption OPTION_GUI{"-gui", 2};
-// "-esxhost" is an option in name only: no step reads it, the target host comes from the configuration file.
+// An option in name only: no step reads it, the target host comes from the configuration file.
+constexpr CommandOption OPTION_ESXHOST{"-esxhost", 2};
+
+constexpr CommandOption FLAGS[] = {OPTION_ZORB2V, OPTION_POWER_ON,    OPTION_STRIP_NETWORK,
+                                   OPTION_VMWARE, OPTION_HYPERV,      OPTION_OVERWRITE,
+                                   OPTION_HELP,   OPTION_SYSTEM_ONLY, OPTION_GUI};
+constexpr CommandOption OPTIONS_WITH_ARGUMENT[] = {OPTION_CONFIG,   OPTION_VMSERVER, OPTION_VMPROXY,
+                                                   OPTION_VECONFIG, OPTION_MASTER,   OPTION_CLIENT,
+                                                   OPTION_VERSION,  OPTION_VEPROFILE};
 
 using Arguments = CZorb2vCommandLine::Arguments;
 
@@ -52,29 +60,32 @@ enum class Found { Absent, WithoutArgument, WithArgument };
 
 // The option's argument is the next element, whatever it looks like. `nameInMessage` is the option that the
 // user is told of when there is none.
-Found takeArgument(const Arguments& arguments, const CommandOption& option, std::string_view nameInMessage,
-                   std::string& value) {
+Found takeArgument(Findings& findings, const Arguments& arguments, const CommandOption& option,
+                   std::string_view nameInMessage, std::string& value) {
     const auto at = find(arguments, option);
     if (at == arguments.end())
         return Found::Absent;
     if (at + 1 == arguments.end()) {
-        tellFailure(MSG_NO_ARGUMENT, nameInMessage);
+        findings.report({.kind = FindingKind::OPTION_WITHOUT_VALUE,
+                         .value = std::string(option.name),
+                         .arguments = {std::string(nameInMessage)}});
         return Found::WithoutArgument;
     }
     value = *(at + 1);
     return Found::WithArgument;
 }
 
-int extractOptional(const Arguments& arguments, const CommandOption& option, std::string& value) {
-    return takeArgument(arguments, option, option.name, value) == Found::WithoutArgument ? ARGUMENT_MISSING
-                                                                                         : 0;
+int extractOptional(Findings& findings, const Arguments& arguments, const CommandOption& option,
+                    std::string& value) {
+    const Found found = takeArgument(findings, arguments, option, option.name, value);
+    return found == Found::WithoutArgument ? ARGUMENT_MISSING : 0;
 }
 
-int extractMandatory(const Arguments& arguments, const CommandOption& option, MessageNumber missing,
-                     std::string& value) {
-    switch (takeArgument(arguments, option, option.name, value)) {
+int extractMandatory(Findings& findings, const Arguments& arguments, const CommandOption& option,
+                     FindingKind missing, std::string& value) {
+    switch (takeArgument(findings, arguments, option, option.name, value)) {
     case Found::Absent:
-        tellFailure(missing);
+        findings.report({.kind = missing});
         return OPTION_MISSING;
     case Found::WithoutArgument:
         return ARGUMENT_MISSING;
@@ -93,10 +104,35 @@ int extractFlag(Trace& trace, const Arguments& arguments, const CommandOption& o
     return trace.leave(0, ", return rc=", 0);
 }
 
+// Words that no step takes, neither as an option nor as an option's argument. They are no matter for a run.
+void reportIgnoredWords(Findings& findings, const Arguments& arguments) {
+    std::vector<bool> isTaken(arguments.size(), false);
+    for (const CommandOption& option : FLAGS)
+        for (std::size_t i = 0; i < arguments.size(); ++i)
+            isTaken[i] = isTaken[i] || option.matches(arguments[i]);
+    for (const CommandOption& option : OPTIONS_WITH_ARGUMENT) {
+        const auto at = static_cast<std::size_t>(find(arguments, option) - arguments.begin());
+        for (std::size_t i = at; i < std::min(at + 2, arguments.size()); ++i)
+            isTaken[i] = true;
+    }
+    for (std::size_t i = 0; i < arguments.size(); ++i)
+        if (!isTaken[i])
+            findings.report({.kind = FindingKind::WORD_IGNORED, .value = arguments[i]});
+}
+
 } // namespace
 
 bool CommandOption::matches(std::string_view element) const {
     return element.size() >= static_cast<std::size_t>(shortestLength) && name.starts_with(element);
+}
+
+std::vector<std::string> optionNames() {
+    std::vector<std::string> names = {std::string(OPTION_ESXHOST.name)};
+    for (const CommandOption& option : FLAGS)
+        names.emplace_back(option.name);
+    for (const CommandOption& option : OPTIONS_WITH_ARGUMENT)
+        names.emplace_back(option.name);
+    return names;
 }
 
 int GetMasterServerName(std::string& name) {
@@ -108,7 +144,7 @@ int GetMasterServerName(std::string& name) {
     return trace.leave(ZOR_SUCCESS, ", return ZOR_SUCCESS");
 }
 
-CZorb2vCommandLine::CZorb2vCommandLine() {
+CZorb2vCommandLine::CZorb2vCommandLine(Findings& findings) : m_findings(findings) {
     // A run without a configured master server goes on; the daemon's connection will tell.
     initializeDefaults(m_input);
 }
@@ -117,7 +153,9 @@ int CZorb2vCommandLine::initializeDefaults(B2VInput& input) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::initializeDefaults()");
     if (GetMasterServerName(input.masterServer) != 0) {
         if (g_appLog)
-            g_appLog->WriteDiagMsg(FAILURE_FLAGS, LEVEL_FAILURE, trace.label(), MSG_NO_MASTER_SERVER);
+            g_appLog->WriteDiagMsg(FAILURE_FLAGS, LEVEL_FAILURE, trace.label(),
+                                   describe(FindingKind::MASTER_UNKNOWN).message);
+        m_findings.report({.kind = FindingKind::MASTER_UNKNOWN});
         return trace.leave(ZOR_FAIL, ", return ZOR_FAIL");
     }
     input.configName = DEFAULT_CONFIG;
@@ -136,21 +174,28 @@ int CZorb2vCommandLine::initializeDefaults(B2VInput& input) {
 int CZorb2vCommandLine::parseArguments(const Arguments& arguments, B2VInput& input) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::parseArguments()");
     int rc = 0;
-    const auto step = [&rc](int result) { return (rc = result) != 0; };
-    // The first step that fails ends the parse; the order is part of the command's behaviour.
-    (void)(step(extractHelp(arguments, m_helpRequested)) ||
-           step(extractZorb2v(arguments, m_invokedByOthers)) || step(extractGui(arguments, input.guiJob)) ||
-           step(extractSystemOnlyRestore(arguments, input.systemOnly)) ||
-           step(extractVersion(arguments, m_version)) || step(extractVEtype(arguments, input.veType)) ||
-           step(extractProfile(arguments, input.profileName)) ||
-           step(extractClientAndConfig(arguments, input.clientName, input.configName)) ||
-           step(extractMasterServer(arguments, input.masterServer)) ||
-           step(extractVmproxy(arguments, input.vmProxy)) ||
-           step(extractVMServerName(arguments, input.vmServer)) ||
-           step(extractVEconfigDetails(arguments, input)) ||
-           step(extractVmPowerOn(arguments, input.powerOn)) ||
-           step(extractStripNetwork(arguments, input.stripNetwork)) ||
-           step(extractOverwriteVM(arguments, input.overwriteVm)));
+    // The first step that fails gives the code, and ends the parse unless all findings are wanted; the order
+    // is part of the command's behaviour.
+    const auto ends = [&](int result) {
+        if (rc == 0)
+            rc = result;
+        return result != 0 && !m_findings.wantsAll();
+    };
+    const bool ended =
+        ends(extractHelp(arguments, m_helpRequested)) || ends(extractZorb2v(arguments, m_invokedByOthers)) ||
+        ends(extractGui(arguments, input.guiJob)) ||
+        ends(extractSystemOnlyRestore(arguments, input.systemOnly)) ||
+        ends(extractVersion(arguments, m_version)) || ends(extractVEtype(arguments, input.veType)) ||
+        ends(extractProfile(arguments, input.profileName)) ||
+        ends(extractClientAndConfig(arguments, input.clientName, input.configName)) ||
+        ends(extractMasterServer(arguments, input.masterServer)) ||
+        ends(extractVmproxy(arguments, input.vmProxy)) ||
+        ends(extractVMServerName(arguments, input.vmServer)) ||
+        ends(extractVEconfigDetails(arguments, input)) || ends(extractVmPowerOn(arguments, input.powerOn)) ||
+        ends(extractStripNetwork(arguments, input.stripNetwork)) ||
+        ends(extractOverwriteVM(arguments, input.overwriteVm));
+    if (!ended)
+        reportIgnoredWords(m_findings, arguments);
     return trace.leave(rc, ", return rc=", rc);
 }
 
@@ -177,7 +222,7 @@ int CZorb2vCommandLine::extractSystemOnlyRestore(const Arguments& arguments, boo
 
 int CZorb2vCommandLine::extractVersion(const Arguments& arguments, std::string& version) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::extractVersion()");
-    return extractOptional(arguments, OPTION_VERSION, version);
+    return extractOptional(m_findings, arguments, OPTION_VERSION, version);
 }
 
 int CZorb2vCommandLine::extractVEtype(const Arguments& arguments, std::uint32_t& veType) {
@@ -191,15 +236,16 @@ int CZorb2vCommandLine::extractVEtype(const Arguments& arguments, std::uint32_t&
 
 int CZorb2vCommandLine::extractProfile(const Arguments& arguments, std::string& profileName) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::extractProfile()");
-    return extractOptional(arguments, OPTION_VEPROFILE, profileName);
+    return extractOptional(m_findings, arguments, OPTION_VEPROFILE, profileName);
 }
 
 int CZorb2vCommandLine::extractClientAndConfig(const Arguments& arguments, std::string& clientName,
                                                std::string& configName) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::extractClientAndConfig()");
-    if (const int rc = extractMandatory(arguments, OPTION_CLIENT, MSG_NO_CLIENT, clientName))
+    if (const int rc =
+            extractMandatory(m_findings, arguments, OPTION_CLIENT, FindingKind::NO_CLIENT, clientName))
         return trace.leave(rc, ", return rc=", rc);
-    switch (takeArgument(arguments, OPTION_CONFIG, OPTION_CONFIG.name, configName)) {
+    switch (takeArgument(m_findings, arguments, OPTION_CONFIG, OPTION_CONFIG.name, configName)) {
     case Found::Absent:
         configName = DEFAULT_CONFIG;
         break;
@@ -215,7 +261,7 @@ int CZorb2vCommandLine::extractMasterServer(const Arguments& arguments, std::str
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::extractMasterServer()");
     // The message names "-vmserver" although "-S" lacks its argument; users and scripts know it so, and it
     // stays.
-    switch (takeArgument(arguments, OPTION_MASTER, OPTION_VMSERVER.name, masterServer)) {
+    switch (takeArgument(m_findings, arguments, OPTION_MASTER, OPTION_VMSERVER.name, masterServer)) {
     case Found::Absent:
         trace.write(LEVEL_TRACE, "Master server Name is not specified");
         break;
@@ -229,27 +275,27 @@ int CZorb2vCommandLine::extractMasterServer(const Arguments& arguments, std::str
 
 int CZorb2vCommandLine::extractVmproxy(const Arguments& arguments, std::string& vmProxy) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::extractVmproxy()");
-    return extractMandatory(arguments, OPTION_VMPROXY, MSG_NO_VMPROXY, vmProxy);
+    return extractMandatory(m_findings, arguments, OPTION_VMPROXY, FindingKind::NO_PROXY, vmProxy);
 }
 
 int CZorb2vCommandLine::extractVMServerName(const Arguments& arguments, std::string& vmServer) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::extractVMServerName()");
-    return extractMandatory(arguments, OPTION_VMSERVER, MSG_NO_VMSERVER, vmServer);
+    return extractMandatory(m_findings, arguments, OPTION_VMSERVER, FindingKind::NO_SERVER, vmServer);
 }
 
 int CZorb2vCommandLine::extractVEconfigDetails(const Arguments& arguments, B2VInput& input) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::extractVEconfigDetails()");
     // "-vmserver" in the message again, as for "-S": it stays.
-    switch (takeArgument(arguments, OPTION_VECONFIG, OPTION_VMSERVER.name, m_veConfigFile)) {
+    switch (takeArgument(m_findings, arguments, OPTION_VECONFIG, OPTION_VMSERVER.name, m_veConfigFile)) {
     case Found::Absent:
-        tellFailure(MSG_NO_VECONFIG);
+        m_findings.report({.kind = FindingKind::NO_FILE});
         return trace.leave(OPTION_MISSING, ", return rc=", OPTION_MISSING);
     case Found::WithoutArgument:
         return trace.leave(ARGUMENT_MISSING, ", return rc=", ARGUMENT_MISSING);
     case Found::WithArgument:
         break;
     }
-    const int rc = parseVEconfig(m_veConfigFile, input);
+    const int rc = parseVEconfig(m_veConfigFile, input, m_findings, &m_veConfigLines);
     if (rc != 0)
         trace.write(LEVEL_FAILURE, "Failed to parse virtual environemnt configuration file=", m_veConfigFile);
     return trace.leave(rc, ", return rc=", rc);
@@ -277,37 +323,38 @@ int CZorb2vCommandLine::validateInput(const B2VInput& input) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::validateInput()");
     // Hyper-V is recognised and refused here, at this one place.
     if (input.veType != VMWARE_VE_TYPE) {
+        m_findings.report({.kind = FindingKind::TYPE_UNSUPPORTED});
         trace.write(LEVEL_FAILURE, "Unsupported VE Type.", input.veType);
         return trace.leave(1, ", return rc=", 1);
     }
     struct Requirement {
         bool isMet;
-        MessageNumber message;
-        const char* key; // null for a message without an argument
+        FindingKind finding;
+        const char* key;
         const char* debugText;
     };
     const Requirement requirements[] = {
-        {!input.vmServer.empty(), MSG_NO_VMSERVER, nullptr, "Vmserver is not provided"},
-        {!input.vmProxy.empty(), MSG_NO_VMPROXY, nullptr, "Vmproxy is not provided"},
-        {!input.toolsIsoPath.empty(), MSG_VALUE_MISSING, "toolsIsoPath",
+        {!input.vmServer.empty(), FindingKind::NO_SERVER, "", "Vmserver is not provided"},
+        {!input.vmProxy.empty(), FindingKind::NO_PROXY, "", "Vmproxy is not provided"},
+        {!input.toolsIsoPath.empty(), FindingKind::VALUE_MISSING, "toolsIsoPath",
          "tools iso location is not provided"},
-        {!input.esxHost.empty(), MSG_VALUE_MISSING, "esxhost", "Target ESX host is not provided"},
-        {input.stripNetwork || !input.vmNetwork.empty(), MSG_VALUE_MISSING, "network",
+        {!input.esxHost.empty(), FindingKind::VALUE_MISSING, "esxhost", "Target ESX host is not provided"},
+        {input.stripNetwork || !input.vmNetwork.empty(), FindingKind::VALUE_MISSING, "network",
          "VM Network is not selected"},
-        {!input.dataStore.empty() || !input.diskMap.empty(), MSG_VALUE_MISSING, "datastore",
+        {!input.dataStore.empty() || !input.diskMap.empty(), FindingKind::VALUE_MISSING, "datastore",
          "Disk to Datastore mapping is not provided"},
     };
+    int rc = 0;
     for (const Requirement& requirement : requirements) {
         if (requirement.isMet)
             continue;
-        if (requirement.key)
-            tellFailure(requirement.message, requirement.key);
-        else
-            tellFailure(requirement.message);
+        rc = 1;
+        const bool goesOn = m_findings.report({.kind = requirement.finding, .value = requirement.key});
         trace.write(LEVEL_FAILURE, requirement.debugText);
-        return trace.leave(1, ", return rc=", 1);
+        if (!goesOn)
+            break;
     }
-    return trace.leave(0, ", return rc=", 0);
+    return trace.leave(rc, ", return rc=", rc);
 }
 
 void CZorb2vCommandLine::usage() {

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "frontend/veconfig.h"
 
-#include "frontend/messageNumbers.h"
 #include "logging/Trace.h"
 #include "platform/fieldSplitting.h"
 #include "platform/returnCodes.h"
 #include "platform/stringManipulation.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -29,6 +29,9 @@ constexpr TextKey TEXT_KEYS[] = {
     {"toolsIsoPath", &B2VInput::toolsIsoPath},
 };
 
+constexpr const char* FORMAT_KEY = "diskformat";
+constexpr const char* DISK_KEY = "harddisk";
+
 std::uint32_t diskFormatOf(const std::string& word) {
     if (word == "ThickVdisk")
         return DISK_FORMAT_THICK;
@@ -43,53 +46,84 @@ std::string withoutQuotes(const std::string& text) {
     return StripTrailing(StripLeading(text, QUOTE), QUOTE);
 }
 
-// `number:datastore`, appended to the disk map.
-int addHardDisk(Trace& trace, const std::string& value, B2VInput& input) {
+/// The file on its way into the input.
+struct Reading {
+    Trace& trace;
+    B2VInput& input;
+    Findings& findings;
+    VEconfigLines lines{};
+    int line = 0; ///< the one that is read
+
+    [[nodiscard]] bool report(FindingKind kind, const std::string& value) {
+        return findings.report({.kind = kind, .value = value, .line = line});
+    }
+};
+
+// Whether the lines behind this one are to be read.
+bool refuseDisk(Reading& reading, const char* why, const std::string& value) {
+    reading.trace.write(LEVEL_FAILURE, why, value);
+    return reading.report(FindingKind::DISK_WITHOUT_STORE, value);
+}
+
+// `number:datastore`, appended to the disk map. The code of the parse: not 0 if the line ends it.
+int addHardDisk(Reading& reading, const std::string& value) {
     std::vector<std::string> tokens;
-    if (Split(value, ":", tokens) != ZOR_SUCCESS) {
-        trace.write(LEVEL_FAILURE, "Failed to split the the line: ", value);
-        return 1;
-    }
-    if (tokens.size() < 2) {
-        trace.write(LEVEL_FAILURE, "Invalid Datastore Map entry", value);
-        return 1;
-    }
+    if (Split(value, ":", tokens) != ZOR_SUCCESS)
+        return refuseDisk(reading, "Failed to split the the line: ", value) ? 0 : 1;
+    if (tokens.size() < 2)
+        return refuseDisk(reading, "Invalid Datastore Map entry", value) ? 0 : 1;
     DiskDataStoreEntry entry;
     entry.diskName = "Harddisk" + tokens.front();
     // The format has one level of separators: a colon within a data store's name is lost, on purpose.
     for (std::size_t i = 1; i < tokens.size(); ++i)
         entry.dataStoreName += tokens[i];
     entry.dataStoreName = withoutQuotes(entry.dataStoreName);
-    input.diskMap.push_back(entry);
+    reading.input.diskMap.push_back(entry);
+    reading.lines.hardDisks.push_back(reading.line);
     return 0;
 }
 
-int takeLine(Trace& trace, const std::string& line, B2VInput& input) {
-    std::vector<std::string> tokens;
-    if (Split(line, "=", tokens) != ZOR_SUCCESS) {
-        trace.write(LEVEL_FAILURE, "Split of line=", line, " failed");
-        return ZOR_FAIL;
-    }
-    if (tokens.size() < 2) {
-        trace.write(LEVEL_FAILURE, "Invalid line found in VEconfiguration file. line=", line);
+int takeValue(Reading& reading, const std::string& key, const std::string& value) {
+    if (key == DISK_KEY)
+        return addHardDisk(reading, value);
+    const auto known = std::find_if(std::begin(TEXT_KEYS), std::end(TEXT_KEYS),
+                                    [&](const TextKey& text) { return text.key == key; });
+    if (key == FORMAT_KEY) {
+        reading.input.diskFormat = diskFormatOf(value);
+        if (reading.input.diskFormat == DISK_FORMAT_INVALID)
+            (void)reading.report(FindingKind::FORMAT_UNKNOWN, value);
+    } else if (known != std::end(TEXT_KEYS)) {
+        reading.input.*(known->field) = value;
+    } else {
+        if (!key.starts_with('#')) // no syntax of comments, but a habit
+            (void)reading.report(FindingKind::KEY_UNKNOWN, key);
         return 0;
     }
-    const std::string& key = tokens[0];
-    const std::string value = tokens[1].starts_with('"') ? withoutQuotes(tokens[1]) : tokens[1];
-    if (key == "diskformat")
-        input.diskFormat = diskFormatOf(value);
-    else if (key == "harddisk")
-        return addHardDisk(trace, value, input);
-    else
-        for (const TextKey& known : TEXT_KEYS)
-            if (key == known.key)
-                input.*known.field = value;
+    if (!reading.lines.keys.insert_or_assign(key, reading.line).second)
+        (void)reading.report(FindingKind::KEY_REPEATED, key);
     return 0;
+}
+
+int takeLine(Reading& reading, const std::string& line) {
+    std::vector<std::string> tokens;
+    if (Split(line, "=", tokens) != ZOR_SUCCESS) {
+        reading.trace.write(LEVEL_FAILURE, "Split of line=", line, " failed");
+        return reading.report(FindingKind::LINE_UNREADABLE, line) ? 0 : ZOR_FAIL;
+    }
+    if (tokens.size() < 2) {
+        reading.trace.write(LEVEL_FAILURE, "Invalid line found in VEconfiguration file. line=", line);
+        if (!line.starts_with('#'))
+            (void)reading.report(FindingKind::LINE_IGNORED, line);
+        return 0;
+    }
+    if (tokens.size() > 2 && !line.starts_with('#'))
+        (void)reading.report(FindingKind::VALUE_CUT, line);
+    return takeValue(reading, tokens[0], tokens[1].starts_with('"') ? withoutQuotes(tokens[1]) : tokens[1]);
 }
 
 } // namespace
 
-int parseVEconfig(const std::string& path, B2VInput& input) {
+int parseVEconfig(const std::string& path, B2VInput& input, Findings& findings, VEconfigLines* lines) {
     ClassTrace trace(g_appLog, "veconfig:parseVEconfig()", ", path=", path);
     std::error_code ignored;
     std::ifstream file;
@@ -97,20 +131,31 @@ int parseVEconfig(const std::string& path, B2VInput& input) {
     if (!std::filesystem::is_directory(path, ignored))
         file.open(path);
     if (!file.is_open()) {
-        tellFailure(MSG_CANNOT_OPEN, path);
+        findings.report({.kind = FindingKind::FILE_NOT_OPENED, .value = path});
         trace.write(LEVEL_FAILURE, "Cannot open veconfig file ", path);
         return trace.leave(ZOR_FAIL, " return=ZOR_FAIL");
     }
+    Reading reading{.trace = trace, .input = input, .findings = findings};
     for (std::string line; std::getline(file, line);) {
+        ++reading.line;
         line = StripTrailingChar(line, '\n');
         if (line.empty())
             continue;
-        if (const int rc = takeLine(trace, line, input))
+        if (const int rc = takeLine(reading, line))
             return trace.leave(rc, ", return ZOR_FAIL");
     }
+    if (lines)
+        *lines = reading.lines;
     if (input.dataStore.empty() && !input.diskMap.empty())
         input.dataStore = input.diskMap.front().dataStoreName;
     return trace.leave(ZOR_SUCCESS, ", return ZOR_SUCCESS");
+}
+
+std::vector<std::string> veConfigKeys() {
+    std::vector<std::string> keys = {FORMAT_KEY, DISK_KEY};
+    for (const TextKey& known : TEXT_KEYS)
+        keys.emplace_back(known.key);
+    return keys;
 }
 
 } // namespace Zorvane

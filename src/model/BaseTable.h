@@ -25,6 +25,7 @@ struct Reference {
 };
 
 class XmlParser;
+struct Field;
 struct TableDescriptor;
 
 /// What the database stubs of every record return.

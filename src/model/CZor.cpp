@@ -7,7 +7,6 @@
 #include "model/XmlParser.h"
 #include "model/records.h"
 
-#include <algorithm>
 #include <array>
 #include <iostream>
 #include <sstream>
@@ -29,12 +28,12 @@ RecordVector& rowsOf(const VectorDescriptor& vector, const CZor& zor) {
 
 template <class Predicate>
 void destroyIf(RecordVector& rows, Predicate predicate) {
-    auto& records = rows.records();
-    const auto keep = std::stable_partition(records.begin(), records.end(),
-                                            [&](const BaseTable* row) { return !row || !predicate(*row); });
-    for (auto at = keep; at != records.end(); ++at)
-        delete *at;
-    records.erase(keep, records.end());
+    std::erase_if(rows.records(), [&](const BaseTable* row) {
+        const bool isGone = row && predicate(*row);
+        if (isGone)
+            delete row;
+        return isGone;
+    });
 }
 
 template <class Rows, class Get, class Set>

@@ -116,10 +116,16 @@ int RecordCodec::write(const TableDescriptor& table, const BaseTable& row, XmlPa
 }
 
 int RecordCodec::read(const TableDescriptor& table, BaseTable& row, XmlParser& xml) {
+    FieldNames names;
+    return read(table, row, xml, names);
+}
+
+int RecordCodec::read(const TableDescriptor& table, BaseTable& row, XmlParser& xml, FieldNames& names) {
     Trace trace(g_libLog, "RecordCodec:RecordCodec::read()", ", table=", table.name);
     xml.initChildren();
-    for (const std::string* tag = xml.firstValueTag(); tag; tag = xml.nextValueTag()) {
-        const Field* field = table.find(*tag);
+    for (const XmlName* name = xml.firstValueName(); name; name = xml.nextValueName()) {
+        const Field* field =
+            names.of(name, [&](const Field*& made) { made = table.find(xml.nameText(name)); });
         if (!field)
             continue;
         switch (field->kind) {
@@ -149,10 +155,10 @@ int RecordCodec::read(const TableDescriptor& table, BaseTable& row, XmlParser& x
             xml.CopyNodeValue(&(row.*field->int64));
             break;
         case FieldKind::Enumeration: {
-            std::string name;
-            xml.CopyNodeValue(&name);
-            if (!name.empty())
-                row.*field->int32 = field->names->value(name);
+            std::string value;
+            xml.CopyNodeValue(&value);
+            if (!value.empty())
+                row.*field->int32 = field->names->value(value);
             break;
         }
         case FieldKind::Binary:

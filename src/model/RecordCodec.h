@@ -3,8 +3,12 @@
 #pragma once
 
 #include "model/BaseTable.h"
+#include "model/XmlNames.h"
 
 namespace Zorvane {
+
+/// The fields of one table by the names of one document; null for a name that is none of them.
+using FieldNames = XmlNames<const Field*>;
 
 class RecordCodec {
   public:
@@ -14,6 +18,9 @@ class RecordCodec {
     /// Fills the record from the parser's current object, in whatever order its fields stand. Fields that are
     /// missing or empty keep their values, unknown ones are skipped. Always 0.
     static int read(const TableDescriptor& table, BaseTable& row, XmlParser& xml);
+    /// The same for one of many rows of a table in a document, which share what is known of their fields'
+    /// names.
+    static int read(const TableDescriptor& table, BaseTable& row, XmlParser& xml, FieldNames& names);
     /// A line a field; binary fields have none.
     static void dump(const TableDescriptor& table, const BaseTable& row, std::ostream& out);
     /// The same on standard output.

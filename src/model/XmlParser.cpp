@@ -3,11 +3,9 @@
 
 #include "logging/Trace.h"
 #include "model/XmlParserImpl.h"
+#include "model/treeMemory.h"
 #include "model/xmlText.h"
 
-#include <chrono>
-
-#include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 namespace Zorvane {
@@ -43,8 +41,8 @@ std::unique_ptr<XmlParserImpl> makeImpl() {
 }
 
 void createDocument(XmlParserImpl& impl) {
-    impl.m_pBuiltDoc.reset(impl.m_pImplementation->createDocument(wide(ZOR_XML_NAMESPACE).data(),
-                                                                  wide(ZOR_XML_ROOT).data(), nullptr));
+    impl.m_pBuiltDoc.reset(impl.m_pImplementation->createDocument(
+        wide(ZOR_XML_NAMESPACE).data(), wide(ZOR_XML_ROOT).data(), nullptr, &treeMemory()));
     impl.m_pDoc = impl.m_pBuiltDoc.get();
     impl.m_pRootElement = impl.m_pDoc->getDocumentElement();
     impl.m_pCurrentObject = impl.m_pRootElement;
@@ -107,19 +105,20 @@ int XmlParser::parse(const unsigned char* inBuffer, int bufferLen) {
     XmlParserImpl* impl = usable(trace.label());
     if (!impl || !impl->m_pParser)
         return 1;
+    if (bufferLen > XML_MAX_LENGTH) {
+        trace.write(LEVEL_FAILURE, "Exiting, the document is longer than ", XML_MAX_LENGTH, " bytes.");
+        impl->forgetDocument();
+        impl->m_pParser.reset();
+        return trace.leave(int{XML_NOT_WELL_FORMED}, ", return rc=", int{XML_NOT_WELL_FORMED});
+    }
 
-    // The library wants every source to have a name; this one is read by nobody.
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    const std::string id =
-        "fakeID" + std::to_string(std::chrono::duration_cast<std::chrono::seconds>(now).count()) + "\n";
     int rc = 0;
     try {
-        const MemBufInputSource source(inBuffer, static_cast<XMLSize_t>(bufferLen), id.c_str(), false);
         ZorXmlErrorHandler handler;
         impl->forgetDocument();
         impl->m_pParser->resetDocumentPool();
         impl->m_pParser->setErrorHandler(&handler);
-        impl->m_pParser->parse(source);
+        impl->m_pParser->parseDocument({inBuffer, static_cast<std::size_t>(bufferLen)});
         impl->m_pParser->setErrorHandler(nullptr);
         impl->m_pDoc = impl->m_pParser->getDocument();
         impl->m_pRootElement = impl->m_pDoc->getDocumentElement();

@@ -29,9 +29,15 @@ enum XmlResult : int {
 /// The deepest nesting that is read. Records stand three deep and inventory trees a few dozen; the walks over
 /// a document recurse, so that a document without a bound could exhaust the stack.
 inline constexpr unsigned XML_MAX_DEPTH = 512;
+/// The longest document that is read, in bytes. The largest sites send some tens of megabytes, a million rows
+/// are half of this; a tree takes some ten times its document, so that one without a bound could exhaust the
+/// memory of the machine.
+inline constexpr int XML_MAX_LENGTH = 1 << 30;
 
 /// A node of a parsed document: what the cursors point at. Opaque, and owned by the parser.
 struct XmlNode;
+/// The name of an element of a parsed document. A document keeps one copy of each name.
+struct XmlName;
 
 /// Releases a text that a cursor operation returned.
 struct XmlTextRelease {
@@ -102,6 +108,14 @@ class XmlParser {
     const std::string* firstValueTag();
     const std::string* nextValueTag();
 
+    /// The same walk for readers that meet the same names again and again (XmlNames); null at the end.
+    const XmlName* firstObjectName();
+    const XmlName* nextObjectName();
+    const XmlName* firstValueName();
+    const XmlName* nextValueName();
+    /// The text of a name, borrowed until the next step.
+    const std::string& nameText(const XmlName* name);
+
     /// The document element's name; empty without a document.
     std::string getRootName();
     /// The object cursor; setting it moves both cursors.
@@ -142,6 +156,7 @@ class XmlParser {
   private:
     /// The state; null, and a line in the log, for an object that could not be set up.
     XmlParserImpl* usable(const char* label) const;
+    const std::string* textOrNull(const XmlName* name);
 
     std::unique_ptr<XmlParserImpl> m_pXmlParserImpl;
 };

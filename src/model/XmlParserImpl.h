@@ -2,7 +2,9 @@
 // The parser's state, apart so that the XML library's types stay out of XmlParser.h.
 #pragma once
 
+#include "model/XmlNames.h"
 #include "model/ZorDomParser.h"
+#include "model/domNodes.h"
 #include "model/xmlLibrary.h"
 
 #include <memory>
@@ -36,6 +38,13 @@ class XmlParserImpl {
     std::unique_ptr<xercesc::MemBufFormatTarget> m_pTarget;
     std::unique_ptr<xercesc::DOMLSOutput, DomRelease> m_pOutput;
 
+    // Building: the ends of the root and of the current record, and an element of each tag.
+    OpenElement m_openRoot;
+    OpenElement m_openRecord;
+    XmlNames<xercesc::DOMElementNSImpl*, char> m_models;
+    xercesc::DOMAttrNSImpl* m_pFlagModel = nullptr; ///< an attribute that tells where an identifier is from
+    std::size_t m_recordCount = 0;
+
     std::string m_tag;             ///< the tag of the last step of a walk
     std::string m_text;            ///< the last value taken out
     std::vector<XMLCh> m_wideTag;  ///< scratch
@@ -46,6 +55,9 @@ class XmlParserImpl {
     void forgetDocument() {
         m_pCurrentObject = m_pCurrentValue = nullptr;
         m_pRootElement = m_pCurrentElement = nullptr;
+        m_openRoot = m_openRecord = OpenElement();
+        m_models.clear();
+        m_pFlagModel = nullptr;
         m_pDoc = nullptr;
         m_pBuiltDoc.reset();
     }

@@ -3,9 +3,16 @@
 
 #include "logging/Trace.h"
 #include "model/XmlParser.h"
+#include "model/treeMemory.h"
 #include "model/xmlText.h"
 
+#include <algorithm>
+#include <ctime>
+#include <string_view>
+
+#include <xercesc/framework/MemBufInputSource.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/XMLUni.hpp>
 
 namespace Zorvane {
 
@@ -31,6 +38,53 @@ void log(mrthLogDebugLevel_t level, const char* label, const char* what, const s
     throw FATAL_ERROR;
 }
 
+// The walk over a document passes over the texts between records and between their fields.
+constexpr unsigned RECORD_DEPTH = 2;
+
+// A document whose tree is worth blocks of that size, in bytes.
+constexpr std::size_t LARGE = TREE_BLOCK / 2;
+
+bool isBlank(const XMLCh* chars, XMLSize_t length) {
+    return std::all_of(chars, chars + length,
+                       [](XMLCh c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; });
+}
+
+void skipBlanks(std::string_view& text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+}
+
+// Takes off a construct of the prolog, if it is next.
+bool skipConstruct(std::string_view& text, std::string_view start, std::string_view end) {
+    if (!text.starts_with(start))
+        return false;
+    const auto place = text.find(end, start.size());
+    text.remove_prefix(place == std::string_view::npos ? text.size() : place + end.size());
+    return true;
+}
+
+// Whether a declaration names no code set but the one in which the bytes are looked at here.
+bool isInUtf8(std::string_view declaration) {
+    return declaration.find("encoding") == std::string_view::npos ||
+           declaration.find("encoding=\"UTF-8\"") != std::string_view::npos ||
+           declaration.find("encoding=\"utf-8\"") != std::string_view::npos;
+}
+
+bool startsName(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' ||
+           static_cast<unsigned char>(c) >= 0x80;
+}
+
+// Whether a document certainly has no document type: what stands before its first element is in plain sight.
+bool startsWithItsRoot(std::string_view text) {
+    skipConstruct(text, "\xef\xbb\xbf", "");
+    if (text.starts_with("<?xml") && !isInUtf8(text.substr(0, text.find("?>"))))
+        return false;
+    do
+        skipBlanks(text);
+    while (skipConstruct(text, "<?", "?>") || skipConstruct(text, "<!--", "-->"));
+    return text.size() > 1 && text[0] == '<' && startsName(text[1]);
+}
+
 } // namespace
 
 void ZorXmlErrorHandler::warning(const xercesc::SAXParseException& exception) {
@@ -52,7 +106,7 @@ void ZorXmlErrorHandler::resetErrors() {
     log(LEVEL_FINE, "XmlParser:ZorXmlErrorHandler::resetErrors()", "ErrorHandler- resetErrors message: ", {});
 }
 
-ZorDomParser::ZorDomParser() {
+ZorDomParser::ZorDomParser() : XercesDOMParser(nullptr, &treeMemory()) {
     setValidationScheme(Val_Never);
     setDoNamespaces(true);
     setLoadExternalDTD(false);
@@ -60,24 +114,137 @@ ZorDomParser::ZorDomParser() {
     setDisableDefaultEntityResolution(true);
 }
 
+// The scanner that only looks at well-formedness is the fastest by far, but it passes over a document type
+// without a word: it gets the documents that have none, and the full one refuses the others.
+void ZorDomParser::parseDocument(std::span<const unsigned char> bytes) {
+    using namespace xercesc;
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    useScanner(startsWithItsRoot(text) ? XMLUni::fgWFXMLScanner : XMLUni::fgIGXMLScanner);
+    // The library wants every source to have a name; this one is read by nobody.
+    const std::string id = "fakeID" + std::to_string(std::time(nullptr)) + "\n";
+    m_models.clear();
+    m_open.clear();
+    m_blanks.clear();
+    m_isLarge = bytes.size() >= LARGE;
+    parse(MemBufInputSource(bytes.data(), bytes.size(), id.c_str(), false));
+}
+
 void ZorDomParser::doctypeDecl(const xercesc::DTDElementDecl&, const XMLCh*, const XMLCh*, bool, bool) {
     refuse("a document type declaration is not accepted");
+}
+
+void ZorDomParser::startDocument() {
+    XercesDOMParser::startDocument();
+    if (m_isLarge)
+        fDocument->setMemoryAllocationBlockSize(TREE_BLOCK);
 }
 
 void ZorDomParser::startElement(const xercesc::XMLElementDecl& element, unsigned int uriId,
                                 const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                                 XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
-    if (isRoot)
-        m_depth = 0;
-    if (++m_depth > XML_MAX_DEPTH)
+    if (m_open.size() >= XML_MAX_DEPTH)
         refuse("the elements are nested too deep");
-    XercesDOMParser::startElement(element, uriId, prefix, attributes, attributeCount, isEmpty, isRoot);
+    m_blanks.clear();
+    Model& model = m_models.of(&element, [](Model&) {});
+    if (auto* made = isRoot ? nullptr : makeLike(model, uriId, attributes, attributeCount)) {
+        m_open.back().append(*made);
+        fCurrentParent = fCurrentNode = made;
+        m_open.emplace_back(made);
+    } else {
+        XercesDOMParser::startElement(element, uriId, prefix, attributes, attributeCount, false, isRoot);
+        noteAppended();
+        noteModel(model, uriId, attributes, attributeCount);
+        m_open.emplace_back(model.element);
+    }
+    if (isEmpty)
+        endElement(element, uriId, isRoot, prefix);
 }
 
-void ZorDomParser::endElement(const xercesc::XMLElementDecl& element, unsigned int uriId, bool isRoot,
-                              const XMLCh* prefix) {
-    --m_depth;
-    XercesDOMParser::endElement(element, uriId, isRoot, prefix);
+void ZorDomParser::endElement(const xercesc::XMLElementDecl&, unsigned int, bool isRoot, const XMLCh*) {
+    // White space alone is a text; behind an element it is none.
+    if (!m_open.back().hasChildren())
+        keepBlanks();
+    m_blanks.clear();
+    m_open.pop_back();
+    fCurrentNode = fCurrentParent;
+    fCurrentParent = isRoot ? static_cast<xercesc::DOMNode*>(fDocument) : m_open.back().element();
+    fWithinElement = !isRoot;
+}
+
+// An element of a name that was met before, with the same attribute or none; null for any other. The
+// document's pool of names is asked nothing, and nobody is asked for his parts.
+xercesc::DOMElementNSImpl* ZorDomParser::makeLike(const Model& model, unsigned int uriId,
+                                                  const Attributes& attributes, XMLSize_t attributeCount) {
+    using namespace xercesc;
+    if (!model.element || model.uriId != uriId || attributeCount > 1)
+        return nullptr;
+    const XMLAttr* read = attributeCount == 1 ? attributes.elementAt(0) : nullptr;
+    if (read && (!model.attribute || !XMLString::equals(read->getQName(), model.attribute->fName)))
+        return nullptr;
+
+    DOMElementNSImpl* element = makeElementLike(*fDocument, *model.element);
+    if (read)
+        setAttributeLike(*element, *model.attribute, read->getValue());
+    return element;
+}
+
+// The current element, which the library made, becomes the model of its name.
+void ZorDomParser::noteModel(Model& model, unsigned int uriId, const Attributes& attributes,
+                             XMLSize_t attributeCount) const {
+    // With namespaces there is no other kind.
+    model.element = static_cast<xercesc::DOMElementNSImpl*>(fCurrentNode);
+    model.uriId = uriId;
+    model.attribute = nullptr;
+    if (attributeCount != 1)
+        return;
+    const XMLCh* const name = attributes.elementAt(0)->getQName();
+    if (!xercesc::XMLString::equals(name, xercesc::XMLUni::fgXMLNSString) &&
+        xercesc::XMLString::indexOf(name, ':') == -1)
+        model.attribute = static_cast<xercesc::DOMAttrNSImpl*>(model.element->getAttributeNode(name));
+}
+
+void ZorDomParser::noteAppended() {
+    if (!m_open.empty())
+        m_open.back().noteAppended();
+}
+
+void ZorDomParser::docCharacters(const XMLCh* chars, XMLSize_t length, bool isCData) {
+    if (m_open.size() <= RECORD_DEPTH && !isCData && fWithinElement &&
+        fCurrentNode->getNodeType() != xercesc::DOMNode::TEXT_NODE && isBlank(chars, length)) {
+        m_blanks.insert(m_blanks.end(), chars, chars + length);
+        return;
+    }
+    keepBlanks();
+    addText(chars, length, isCData);
+}
+
+void ZorDomParser::addText(const XMLCh* chars, XMLSize_t length, bool isCData) {
+    if (isCData || !fWithinElement || fCurrentNode->getNodeType() == xercesc::DOMNode::TEXT_NODE) {
+        XercesDOMParser::docCharacters(chars, length, isCData);
+        noteAppended();
+        return;
+    }
+    xercesc::DOMTextImpl* text = makeText(*fDocument, chars, length);
+    m_open.back().append(*text);
+    fCurrentNode = text;
+}
+
+void ZorDomParser::docComment(const XMLCh* comment) {
+    keepBlanks();
+    XercesDOMParser::docComment(comment);
+    noteAppended();
+}
+
+void ZorDomParser::docPI(const XMLCh* target, const XMLCh* data) {
+    keepBlanks();
+    XercesDOMParser::docPI(target, data);
+    noteAppended();
+}
+
+void ZorDomParser::keepBlanks() {
+    if (!m_blanks.empty())
+        addText(m_blanks.data(), m_blanks.size(), false);
+    m_blanks.clear();
 }
 
 } // namespace Zorvane

@@ -3,6 +3,7 @@
 #include "logging/Trace.h"
 #include "model/XmlParser.h"
 #include "model/XmlParserImpl.h"
+#include "model/treeMemory.h"
 #include "model/xmlText.h"
 
 #include <algorithm>
@@ -20,6 +21,9 @@ constexpr const char* LABEL = "XmlParser:XmlParser::AppendValue()";
 constexpr const char* NULL_VALUE = "Unexpected NULL value in AppendValue.";
 constexpr const char* NO_IMPL_DOCUMENT = "m_pXmlParserImpl->m_pDoc must be initialized to append a node.";
 
+// A document of so many records is worth memory in large blocks.
+constexpr std::size_t MANY_RECORDS = 1000;
+
 // A DOS end-of-file byte would end the document early for old readers.
 constexpr XMLCh DOS_END_OF_FILE = 0x1A;
 
@@ -29,29 +33,49 @@ int refuse(int rc, const char* label, const char* why) {
     return rc;
 }
 
-// Elements bear the root's namespace, so that it is declared once, at the root.
-DOMElement* makeElement(XmlParserImpl& impl, const char* tag) {
-    nativeToWide(tag, impl.m_wideTag);
+DOMDocumentImpl& documentOf(XmlParserImpl& impl) {
+    return *static_cast<DOMDocumentImpl*>(impl.m_pDoc);
+}
+
+// Whether an element bears the tag, which is plain ASCII in all that asks often.
+bool isNamed(const DOMElementNSImpl& element, const char* tag) {
+    const XMLCh* name = element.fName;
+    for (; *tag && static_cast<unsigned char>(*tag) == *name; ++tag)
+        ++name;
+    return *tag == '\0' && *name == 0;
+}
+
+// Elements bear the root's namespace, so that it is declared once, at the root. Tags are known by their
+// place, which the table descriptions never change; another caller's might.
+DOMElementNSImpl* makeElement(XmlParserImpl& impl, const char* tag) {
     impl.m_written = false;
-    return impl.m_pDoc->createElementNS(impl.m_pRootElement->getNamespaceURI(), impl.m_wideTag.data());
+    DOMElementNSImpl*& model = impl.m_models.of(tag, [](DOMElementNSImpl*&) {});
+    if (model && isNamed(*model, tag))
+        return makeElementLike(documentOf(impl), *model);
+    nativeToWide(tag, impl.m_wideTag);
+    // Made with a namespace, it is of this class.
+    model = static_cast<DOMElementNSImpl*>(
+        impl.m_pDoc->createElementNS(impl.m_pRootElement->getNamespaceURI(), impl.m_wideTag.data()));
+    return model;
 }
 
-DOMElement* appendTo(XmlParserImpl& impl, const char* tag) {
-    DOMElement* element = makeElement(impl, tag);
-    impl.m_pCurrentElement->appendChild(element);
-    return element;
+DOMElementNSImpl& appendTo(XmlParserImpl& impl, const char* tag) {
+    DOMElementNSImpl* element = makeElement(impl, tag);
+    impl.m_openRecord.append(*element);
+    return *element;
 }
 
-void appendText(XmlParserImpl& impl, DOMElement& element, const XMLCh* text) {
-    element.appendChild(impl.m_pDoc->createTextNode(text));
+// The text of an element that has none yet; zero-ended.
+void appendText(XmlParserImpl& impl, DOMElementNSImpl& element, const std::vector<XMLCh>& text) {
+    OpenElement(&element).append(*makeText(documentOf(impl), text.data(), text.size() - 1));
 }
 
 // The value's element with its text, for the texts of the process.
-DOMElement* appendNative(XmlParserImpl& impl, const char* tag, std::string_view value) {
-    DOMElement* element = appendTo(impl, tag);
+DOMElementNSImpl& appendNative(XmlParserImpl& impl, const char* tag, std::string_view value) {
+    DOMElementNSImpl& element = appendTo(impl, tag);
     nativeToWide(value, impl.m_wideText);
     std::replace(impl.m_wideText.begin(), impl.m_wideText.end(), DOS_END_OF_FILE, XMLCh{'_'});
-    appendText(impl, *element, impl.m_wideText.data());
+    appendText(impl, element, impl.m_wideText);
     return element;
 }
 
@@ -116,11 +140,18 @@ int XmlParser::AppendElement(const char* tag) {
         return refuse(1, label, NO_IMPL_DOCUMENT);
     if (!tag)
         return refuse(1, label, NULL_VALUE);
-    DOMElement* element = makeElement(*impl, tag);
+    DOMElementNSImpl* element = makeElement(*impl, tag);
     if (!element)
         return refuse(1, label, "Failed to create new element.");
-    impl->m_pRootElement->appendChild(element);
+    if (impl->m_openRoot.element() != impl->m_pRootElement) {
+        impl->m_openRoot = OpenElement(static_cast<DOMElementNSImpl*>(impl->m_pRootElement));
+        impl->m_openRoot.noteAppended();
+    }
+    impl->m_openRoot.append(*element);
+    impl->m_openRecord = OpenElement(element);
     impl->m_pCurrentElement = element;
+    if (++impl->m_recordCount == MANY_RECORDS)
+        documentOf(*impl).setMemoryAllocationBlockSize(TREE_BLOCK);
     return 0;
 }
 
@@ -128,11 +159,14 @@ int XmlParser::AppendValue(const char* tag, IDREF value, bool fromDb) {
     XmlParserImpl* impl = usable(LABEL);
     if (const int rc = checkNative(impl, tag))
         return rc;
-    static constexpr XMLCh attribute[] = {'f', 'r', 'o', 'm', 'D', 'b', 0};
+    if (!impl->m_pFlagModel) {
+        static constexpr XMLCh attribute[] = {'f', 'r', 'o', 'm', 'D', 'b', 0};
+        impl->m_pFlagModel = static_cast<DOMAttrNSImpl*>(impl->m_pDoc->createAttributeNS(nullptr, attribute));
+    }
     const XMLCh flag[] = {static_cast<XMLCh>(fromDb ? '1' : '0'), 0};
     char digits[16];
     const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    appendNative(*impl, tag, std::string_view(digits, end))->setAttribute(attribute, flag);
+    setAttributeLike(appendNative(*impl, tag, std::string_view(digits, end)), *impl->m_pFlagModel, flag);
     return 0;
 }
 
@@ -183,9 +217,9 @@ int XmlParser::AppendValue(const char* tag, const wchar_t* value) {
     XmlParserImpl* impl = usable(LABEL);
     if (const int rc = checkWide(impl, tag))
         return rc;
-    DOMElement* element = appendTo(*impl, tag);
+    DOMElementNSImpl& element = appendTo(*impl, tag);
     if (value)
-        appendText(*impl, *element, utf16(value).data());
+        appendText(*impl, element, utf16(value));
     return 0;
 }
 
@@ -198,7 +232,7 @@ int XmlParser::AppendValue(const char* tag, const unsigned char* value, unsigned
     XmlParserImpl* impl = usable(LABEL);
     if (const int rc = checkWide(impl, tag))
         return rc;
-    DOMElement* element = appendTo(*impl, tag);
+    DOMElementNSImpl& element = appendTo(*impl, tag);
     if (!value || length == 0)
         return 0;
     XMLSize_t encodedLength = 0;
@@ -208,7 +242,7 @@ int XmlParser::AppendValue(const char* tag, const unsigned char* value, unsigned
     impl->m_wideText.assign(encoded, encoded + encodedLength);
     impl->m_wideText.push_back(0);
     XMLPlatformUtils::fgMemoryManager->deallocate(encoded);
-    appendText(*impl, *element, impl->m_wideText.data());
+    appendText(*impl, element, impl->m_wideText);
     return 0;
 }
 

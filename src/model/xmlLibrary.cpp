@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "model/xmlLibrary.h"
 
+#include <exception>
 #include <mutex>
 #include <new>
+#include <stdexcept>
 
 #include <xercesc/framework/MemoryManager.hpp>
+#include <xercesc/util/PanicHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
@@ -23,16 +26,33 @@ class StandardMemory final : public xercesc::MemoryManager {
     void deallocate(void* block) override { ::operator delete(block); }
 };
 
+// The library calls this where its set-up fails, and by itself would end the process with a text and a status
+// of its own. The failure goes on to who wanted the library.
+class Rethrow final : public xercesc::PanicHandler {
+  public:
+    [[noreturn]] void panic(PanicReasons reason) override {
+        if (std::current_exception())
+            throw;
+        throw std::runtime_error(getPanicReasonString(reason));
+    }
+};
+
 // Setting the library up and taking it down costs more than reading a small document: a hold that is never
 // given back keeps it for the life of the process once it was needed.
 void holdForLife() {
-    static const bool isHeld = [] {
-        static auto& memory = *new StandardMemory;
-        xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, nullptr,
-                                              &memory);
-        return true;
-    }();
-    (void)isHeld;
+    // After a set-up that failed half-way the library must not be called any more: who asks again gets the
+    // failure again.
+    enum class State { Unused, Broken, Held };
+    static State state = State::Unused;
+    if (state == State::Held)
+        return;
+    if (state == State::Broken)
+        throw std::bad_alloc();
+    static Rethrow panics;
+    static auto& memory = *new StandardMemory;
+    state = State::Broken;
+    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr, &panics, &memory);
+    state = State::Held;
 }
 
 } // namespace

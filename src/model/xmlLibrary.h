@@ -7,7 +7,8 @@ namespace Zorvane {
 /// holds without a lock; this one has a lock, for programs that parse on several threads.
 class XmlLibraryHold {
   public:
-    /// Throws xercesc::XMLException if the library can't be set up.
+    /// Throws xercesc::XMLException, or std::bad_alloc for want of memory, if the library can't be set up;
+    /// the latter from then on.
     XmlLibraryHold();
     XmlLibraryHold(const XmlLibraryHold&) = delete;
     XmlLibraryHold& operator=(const XmlLibraryHold&) = delete;

@@ -10,6 +10,8 @@
 #include <cstring>
 #include <cwchar>
 #include <new>
+#include <optional>
+#include <type_traits>
 
 #include <xercesc/util/Base64.hpp>
 
@@ -31,13 +33,12 @@ DOMNode* skipTexts(DOMNode* node) {
 }
 
 // The name of an element. A node that is neither text nor element (a comment) ends a walk, and this stays so.
-const std::string* tagOf(XmlParserImpl& impl, const DOMNode* node) {
+const XmlName* nameOf(const DOMNode* node) {
     if (!node || node->getNodeType() != DOMNode::ELEMENT_NODE)
         return nullptr;
     // Names are compared without their prefix.
     const XMLCh* local = node->getLocalName();
-    wideToNative(local ? local : node->getNodeName(), impl.m_tag);
-    return &impl.m_tag;
+    return reinterpret_cast<const XmlName*>(local ? local : node->getNodeName());
 }
 
 char* copyForCaller(const std::string* tag) {
@@ -45,12 +46,9 @@ char* copyForCaller(const std::string* tag) {
 }
 
 // The text of an element; null for an element without any.
-const std::string* textOf(XmlParserImpl& impl, const DOMNode* node) {
+const XMLCh* wideTextOf(const DOMNode* node) {
     const DOMNode* child = node ? node->getFirstChild() : nullptr;
-    if (!child || !child->getNodeValue())
-        return nullptr;
-    wideToNative(child->getNodeValue(), impl.m_text);
-    return &impl.m_text;
+    return child ? child->getNodeValue() : nullptr;
 }
 
 // Whether there is anything to take values from.
@@ -62,36 +60,69 @@ bool isReadable(const XmlParserImpl* impl) {
 }
 
 // The text of the value cursor, or null.
+const XMLCh* wideValue(const XmlParserImpl* impl) {
+    return isReadable(impl) ? wideTextOf(impl->m_pCurrentValue) : nullptr;
+}
+
 const std::string* valueText(XmlParserImpl* impl) {
-    return isReadable(impl) ? textOf(*impl, impl->m_pCurrentValue) : nullptr;
+    const XMLCh* wide = wideValue(impl);
+    if (!wide)
+        return nullptr;
+    wideToNative(wide, impl->m_text);
+    return &impl->m_text;
+}
+
+// A number of digits alone, which is what documents hold; nothing for any other text and for large numbers.
+std::optional<long> plainNumber(const XMLCh* text) {
+    constexpr int digitsThatFit = 18;
+    const bool isNegative = *text == '-';
+    const XMLCh* const digits = text + (isNegative ? 1 : 0);
+    long number = 0;
+    const XMLCh* at = digits;
+    for (; *at >= '0' && *at <= '9'; ++at) {
+        if (at - digits == digitsThatFit)
+            return std::nullopt;
+        number = number * 10 + (*at - '0');
+    }
+    if (*at || at == digits)
+        return std::nullopt;
+    return isNegative ? -number : number;
 }
 
 template <class Number>
-void copySigned(XmlParserImpl* impl, Number* destination) {
-    if (const std::string* text = valueText(impl))
-        *destination = static_cast<Number>(std::strtol(text->c_str(), nullptr, 10));
-}
-
-template <class Number>
-void copyUnsigned(XmlParserImpl* impl, Number* destination) {
-    if (const std::string* text = valueText(impl))
-        *destination = static_cast<Number>(std::strtoul(text->c_str(), nullptr, 10));
+void copyNumber(XmlParserImpl* impl, Number* destination) {
+    const XMLCh* text = wideValue(impl);
+    if (!text)
+        return;
+    if (const auto number = plainNumber(text)) {
+        *destination = static_cast<Number>(*number);
+        return;
+    }
+    wideToNative(text, impl->m_text);
+    if constexpr (std::is_signed_v<Number>)
+        *destination = static_cast<Number>(std::strtol(impl->m_text.c_str(), nullptr, 10));
+    else
+        *destination = static_cast<Number>(std::strtoul(impl->m_text.c_str(), nullptr, 10));
 }
 
 // An attribute of the value element, or null.
 const XMLCh* attributeOf(const XmlParserImpl& impl, const XMLCh* name) {
     if (!impl.m_pCurrentValue || impl.m_pCurrentValue->getNodeType() != DOMNode::ELEMENT_NODE)
         return nullptr;
-    const auto* element = static_cast<const DOMElement*>(impl.m_pCurrentValue);
-    return element->hasAttribute(name) ? element->getAttribute(name) : nullptr;
+    const DOMAttr* attribute = static_cast<const DOMElement*>(impl.m_pCurrentValue)->getAttributeNode(name);
+    if (!attribute)
+        return nullptr;
+    // The usual single text is had without the library's detour.
+    const DOMNode* text = attribute->getFirstChild();
+    return text && !text->getNextSibling() ? text->getNodeValue() : attribute->getValue();
 }
 
 std::wstring wideTextOf(const XmlParserImpl& impl) {
-    const DOMNode* child = impl.m_pCurrentValue ? impl.m_pCurrentValue->getFirstChild() : nullptr;
+    const XMLCh* unit = wideTextOf(impl.m_pCurrentValue);
     std::wstring wide;
-    if (!child || !child->getNodeValue())
+    if (!unit)
         return wide;
-    for (const XMLCh* unit = child->getNodeValue(); *unit; ++unit) {
+    for (; *unit; ++unit) {
         const bool isPair = unit[0] >= 0xD800 && unit[0] < 0xDC00 && unit[1] >= 0xDC00 && unit[1] < 0xE000;
         if (isPair) {
             wide += static_cast<wchar_t>(0x10000 + ((unit[0] - 0xD800) << 10) + (unit[1] - 0xDC00));
@@ -129,7 +160,7 @@ int XmlParser::initChildren() {
     return 0;
 }
 
-const std::string* XmlParser::firstObjectTag() {
+const XmlName* XmlParser::firstObjectName() {
     constexpr const char* label = "XmlParser:XmlParser::getFirstObject()";
     XmlParserImpl* impl = usable(label);
     if (!impl)
@@ -138,10 +169,10 @@ const std::string* XmlParser::firstObjectTag() {
     impl->m_pCurrentObject = impl->m_pCurrentValue = child;
     if (!child)
         log(LEVEL_FAILURE, label, "Could not get next non TEXT_NODE Child in getFirstObject().");
-    return tagOf(*impl, child);
+    return nameOf(child);
 }
 
-const std::string* XmlParser::nextObjectTag() {
+const XmlName* XmlParser::nextObjectName() {
     constexpr const char* label = "XmlParser:XmlParser::getNextObject()";
     XmlParserImpl* impl = usable(label);
     if (!impl)
@@ -152,10 +183,10 @@ const std::string* XmlParser::nextObjectTag() {
     }
     impl->m_pCurrentObject = skipTexts(impl->m_pCurrentObject->getNextSibling());
     impl->m_pCurrentValue = impl->m_pCurrentObject;
-    return tagOf(*impl, impl->m_pCurrentObject);
+    return nameOf(impl->m_pCurrentObject);
 }
 
-const std::string* XmlParser::firstValueTag() {
+const XmlName* XmlParser::firstValueName() {
     constexpr const char* label = "XmlParser:XmlParser::getFirstValue()";
     XmlParserImpl* impl = usable(label);
     if (!impl)
@@ -164,10 +195,10 @@ const std::string* XmlParser::firstValueTag() {
     impl->m_pCurrentValue = child;
     if (!child)
         log(LEVEL_FINE, label, "Could not get DOMNOde. In getFirstValue().");
-    return tagOf(*impl, child);
+    return nameOf(child);
 }
 
-const std::string* XmlParser::nextValueTag() {
+const XmlName* XmlParser::nextValueName() {
     constexpr const char* label = "XmlParser:XmlParser::getNextValue()";
     XmlParserImpl* impl = usable(label);
     if (!impl)
@@ -177,7 +208,30 @@ const std::string* XmlParser::nextValueTag() {
         return nullptr;
     }
     impl->m_pCurrentValue = skipTexts(impl->m_pCurrentValue->getNextSibling());
-    return tagOf(*impl, impl->m_pCurrentValue);
+    return nameOf(impl->m_pCurrentValue);
+}
+
+const std::string& XmlParser::nameText(const XmlName* name) {
+    std::string& text = m_pXmlParserImpl->m_tag;
+    wideToNative(reinterpret_cast<const XMLCh*>(name), text);
+    return text;
+}
+
+const std::string* XmlParser::textOrNull(const XmlName* name) {
+    return name ? &nameText(name) : nullptr;
+}
+
+const std::string* XmlParser::firstObjectTag() {
+    return textOrNull(firstObjectName());
+}
+const std::string* XmlParser::nextObjectTag() {
+    return textOrNull(nextObjectName());
+}
+const std::string* XmlParser::firstValueTag() {
+    return textOrNull(firstValueName());
+}
+const std::string* XmlParser::nextValueTag() {
+    return textOrNull(nextValueName());
 }
 
 char* XmlParser::getFirstObject() {
@@ -194,8 +248,8 @@ char* XmlParser::getNextValue() {
 }
 
 std::string XmlParser::getRootName() {
-    XmlParserImpl* impl = usable("XmlParser:XmlParser::getRootName()");
-    const std::string* tag = impl ? tagOf(*impl, impl->m_pRootElement) : nullptr;
+    const XmlParserImpl* impl = usable("XmlParser:XmlParser::getRootName()");
+    const std::string* tag = textOrNull(impl ? nameOf(impl->m_pRootElement) : nullptr);
     return tag ? *tag : std::string();
 }
 
@@ -213,8 +267,8 @@ void XmlParser::CopyNode(std::string* destination) {
     XmlParserImpl* impl = usable("XmlParser:XmlParser::CopyNode()");
     if (!impl)
         return;
-    if (const std::string* text = textOf(*impl, impl->m_pCurrentObject))
-        *destination = *text;
+    if (const XMLCh* text = wideTextOf(impl->m_pCurrentObject))
+        wideToNative(text, *destination);
 }
 
 void XmlParser::CopyNodeAttribute(std::string* destination, const std::string* name) {
@@ -227,8 +281,9 @@ void XmlParser::CopyNodeAttribute(std::string* destination, const std::string* n
 }
 
 void XmlParser::CopyNodeValue(bool* destination) {
-    if (const std::string* text = valueText(m_pXmlParserImpl.get()))
-        *destination = std::strtol(text->c_str(), nullptr, 10) != 0;
+    long number = *destination ? 1 : 0;
+    copyNumber(m_pXmlParserImpl.get(), &number);
+    *destination = number != 0;
 }
 
 void XmlParser::CopyNodeValue(unsigned char* destination) {
@@ -239,27 +294,27 @@ void XmlParser::CopyNodeValue(unsigned char* destination) {
 }
 
 void XmlParser::CopyNodeValue(std::string* destination) {
-    if (const std::string* text = valueText(m_pXmlParserImpl.get()))
-        *destination = *text;
+    if (const XMLCh* text = wideValue(m_pXmlParserImpl.get()))
+        wideToNative(text, *destination);
 }
 
 void XmlParser::CopyNodeValue(int* destination) {
-    copySigned(m_pXmlParserImpl.get(), destination);
+    copyNumber(m_pXmlParserImpl.get(), destination);
 }
 void XmlParser::CopyNodeValue(long* destination) {
-    copySigned(m_pXmlParserImpl.get(), destination);
+    copyNumber(m_pXmlParserImpl.get(), destination);
 }
 void XmlParser::CopyNodeValue(__int64* destination) {
-    copySigned(m_pXmlParserImpl.get(), destination);
+    copyNumber(m_pXmlParserImpl.get(), destination);
 }
 void XmlParser::CopyNodeValue(unsigned int* destination) {
-    copyUnsigned(m_pXmlParserImpl.get(), destination);
+    copyNumber(m_pXmlParserImpl.get(), destination);
 }
 void XmlParser::CopyNodeValue(unsigned short* destination) {
-    copyUnsigned(m_pXmlParserImpl.get(), destination);
+    copyNumber(m_pXmlParserImpl.get(), destination);
 }
 void XmlParser::CopyNodeValue(unsigned long* destination) {
-    copyUnsigned(m_pXmlParserImpl.get(), destination);
+    copyNumber(m_pXmlParserImpl.get(), destination);
 }
 
 void XmlParser::CopyNodeValue(wchar_t* destination) {
@@ -313,13 +368,15 @@ void XmlParser::CopyNodeValue(std::vector<unsigned char>* destination) {
 
 void XmlParser::CopyNodeValue(IDREF* destination, bool* fromDb) {
     XmlParserImpl* impl = m_pXmlParserImpl.get();
-    const std::string* text = valueText(impl);
-    if (text)
-        *destination = static_cast<IDREF>(std::strtoul(text->c_str(), nullptr, 10));
+    copyNumber(impl, destination);
     static constexpr XMLCh attribute[] = {'f', 'r', 'o', 'm', 'D', 'b', 0};
     const XMLCh* flag = impl ? attributeOf(*impl, attribute) : nullptr;
     if (!flag)
         return;
+    if (const auto number = plainNumber(flag)) {
+        *fromDb = *number != 0;
+        return;
+    }
     wideToNative(flag, impl->m_text);
     *fromDb = std::strtol(impl->m_text.c_str(), nullptr, 10) != 0;
 }

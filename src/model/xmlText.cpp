@@ -47,8 +47,11 @@ void nativeToWide(std::string_view native, std::vector<XMLCh>& wide) {
 }
 
 void wideToNative(const XMLCh* wide, std::string& native) {
-    const XMLSize_t length = XMLString::stringLen(wide);
-    if (std::all_of(wide, wide + length, [](XMLCh c) { return c < 0x80; })) {
+    XMLSize_t length = 0;
+    unsigned seen = 0; // every bit of every character
+    for (; wide[length]; ++length)
+        seen |= wide[length];
+    if (seen < 0x80) {
         native.resize(length);
         std::transform(wide, wide + length, native.begin(), [](XMLCh c) { return static_cast<char>(c); });
         return;

@@ -6,6 +6,7 @@
 #include "model/TableDescriptor.h"
 #include "model/XmlParser.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -14,6 +15,9 @@
 namespace Zorvane {
 
 namespace {
+
+// What an index costs, a row of it, in looks at a row.
+constexpr std::size_t LOOKS_PER_ROW_OF_INDEX = 20;
 
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -46,32 +50,79 @@ void markAsRead(const TableDescriptor& table, BaseTable& row, int filter) {
         row.setChanged();
 }
 
-// Puts the rows of one document into a container. The first row of each Id is known by number, so that a
-// large vector is not searched for every row.
-class RowReceiver {
+// The rows of one vector by their identifier, the first of each. Few rows are found by a look at all of them;
+// when the looking has cost as much as an index, there is one.
+class RowsById {
   public:
-    explicit RowReceiver(CZor& zor) : m_zor(zor) {}
-
-    void add(const VectorDescriptor& vector, std::unique_ptr<BaseTable> row, Trace& trace) {
-        auto& records = vector.rows(m_zor).records();
-        auto& byId = m_known[&vector];
-        if (byId.empty())
-            for (BaseTable* old : records)
-                if (old)
-                    byId.try_emplace(old->getId(), old);
-        const auto [known, isNew] = byId.try_emplace(row->getId(), row.get());
-        if (isNew) {
-            records.push_back(row.get());
-            row.release();
-            return;
+    /// The first row of the identifier, or null.
+    BaseTable* find(const RecordVector::Pointers& rows, ID id) {
+        if (!m_isIndexed && m_looks > LOOKS_PER_ROW_OF_INDEX * rows.size())
+            makeIndex(rows);
+        if (m_isIndexed) {
+            const auto found = m_index.find(id);
+            return found == m_index.end() ? nullptr : found->second;
         }
-        vector.table().assign(*known->second, *row);
-        trace.write(LEVEL_FAILURE, "Replaced object in m_v", vector.name, ".");
+        const auto found = std::find_if(rows.begin(), rows.end(),
+                                        [&](const BaseTable* row) { return row && row->getId() == id; });
+        m_looks += static_cast<std::size_t>(found - rows.begin());
+        return found == rows.end() ? nullptr : *found;
+    }
+
+    void add(BaseTable& row) {
+        if (m_isIndexed)
+            m_index.try_emplace(row.getId(), &row);
     }
 
   private:
+    void makeIndex(const RecordVector::Pointers& rows) {
+        m_index.reserve(rows.size());
+        for (BaseTable* row : rows)
+            if (row)
+                m_index.try_emplace(row->getId(), row);
+        m_isIndexed = true;
+    }
+
+    bool m_isIndexed = false;
+    std::size_t m_looks = 0;
+    std::unordered_map<ID, BaseTable*> m_index;
+};
+
+// Puts the rows of one document into a container.
+class RowReceiver {
+  public:
+    RowReceiver(CZor& zor, XmlParser& parser, int filter) : m_zor(zor), m_parser(parser), m_filter(filter) {}
+
+    /// Takes in the row that the parser stands on.
+    void receive(const XmlName* name, Trace& trace) {
+        Known& known =
+            m_known.of(name, [&](Known& made) { made.vector = findVector(m_parser.nameText(name)); });
+        if (!known.vector)
+            return;
+        const TableDescriptor& table = known.vector->table();
+        std::unique_ptr<BaseTable> row(table.create());
+        RecordCodec::read(table, *row, m_parser, known.fields);
+        markAsRead(table, *row, m_filter);
+        auto& records = known.vector->rows(m_zor).records();
+        if (BaseTable* old = known.rows.find(records, row->getId())) {
+            table.assign(*old, *row);
+            trace.write(LEVEL_FAILURE, "Replaced object in m_v", known.vector->name, ".");
+            return;
+        }
+        records.push_back(row.get());
+        known.rows.add(*row.release());
+    }
+
+  private:
+    struct Known {
+        const VectorDescriptor* vector = nullptr;
+        FieldNames fields;
+        RowsById rows;
+    };
+
     CZor& m_zor;
-    std::unordered_map<const VectorDescriptor*, std::unordered_map<ID, BaseTable*>> m_known;
+    XmlParser& m_parser;
+    int m_filter;
+    XmlNames<Known> m_known;
 };
 
 } // namespace
@@ -118,17 +169,9 @@ int CZor::readXml(unsigned char* xml, int len, int filter) {
             trace.write(LEVEL_FAILURE, "Exiting, Failure in XmlParserImpl. Line= ", __LINE__);
             return trace.leave(1, ", return rc=", 1);
         }
-        RowReceiver receiver(*this);
-        for (const std::string* tag = parser.firstObjectTag(); tag; tag = parser.nextObjectTag()) {
-            const VectorDescriptor* vector = findVector(*tag);
-            if (!vector)
-                continue;
-            const TableDescriptor& table = vector->table();
-            std::unique_ptr<BaseTable> row(table.create());
-            RecordCodec::read(table, *row, parser);
-            markAsRead(table, *row, filter);
-            receiver.add(*vector, std::move(row), trace);
-        }
+        RowReceiver receiver(*this, parser, filter);
+        for (const XmlName* name = parser.firstObjectName(); name; name = parser.nextObjectName())
+            receiver.receive(name, trace);
     } catch (...) {
         trace.write(LEVEL_FAILURE, "Exiting, Caught unexpected error on line= ", __LINE__);
         return trace.leave(1, ", return rc=", 1);

@@ -4,9 +4,25 @@
 #include "logging/Trace.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace Zorvane {
+
+namespace {
+
+// Between this machine's order of bytes and the network's.
+template <class Number>
+Number swapped(Number value) {
+    if constexpr (std::endian::native == std::endian::big || sizeof(Number) == 1)
+        return value;
+    else if constexpr (sizeof(Number) == 2)
+        return __builtin_bswap16(value);
+    else
+        return __builtin_bswap32(value);
+}
+
+} // namespace
 
 // One walk in either direction: the place in the buffer, what is left of the budget, the fields not yet done.
 class FieldWalk {
@@ -58,16 +74,11 @@ class FieldWalk {
         void* field = take(kind);
         if (!field || room() < sizeof(Number))
             return false;
-        Number value = 0;
-        if (m_direction == Direction::ToBuffer) {
-            std::memcpy(&value, field, sizeof value);
-            for (std::size_t i = 0; i < sizeof value; ++i)
-                m_place[i] = static_cast<unsigned char>(value >> (8 * (sizeof value - 1 - i)));
-        } else {
-            for (std::size_t i = 0; i < sizeof value; ++i)
-                value = static_cast<Number>(value << 8 | m_place[i]);
-            std::memcpy(field, &value, sizeof value);
-        }
+        const bool isToBuffer = m_direction == Direction::ToBuffer;
+        Number value;
+        std::memcpy(&value, isToBuffer ? field : m_place, sizeof value);
+        value = swapped(value);
+        std::memcpy(isToBuffer ? m_place : field, &value, sizeof value);
         advance(sizeof value);
         return true;
     }

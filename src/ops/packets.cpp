@@ -55,9 +55,10 @@ int MethodExecute::walk(FieldWalker walker, unsigned char* buffer) {
     // The count is the sender's word; the area ends with NUL whatever it says.
     std::string_view rest(parameters.text.data(), parameters.text.size());
     for (unsigned i = 0; i < count && !rest.empty(); ++i) {
-        if (const int rc = ValidateInput(rest.data()))
+        const std::string_view text = rest.substr(0, rest.find('\0'));
+        if (const int rc = ValidateInput(text))
             return rc;
-        rest.remove_prefix(std::strlen(rest.data()) + 1);
+        rest.remove_prefix(text.size() + 1);
     }
     return length;
 }

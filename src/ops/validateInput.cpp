@@ -10,14 +10,12 @@ namespace Zorvane {
 namespace {
 
 bool isRefused(std::string_view text, char first, char second) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != first)
-            continue;
+    for (std::size_t i = text.find(first); i != text.npos; i = text.find(first, i + 1)) {
         if (first == '`')
             return true;
         // The character behind the blanks is not looked at again, so "$ $(" passes: the peers agree on that.
         i = text.find_first_not_of(" \t", i + 1);
-        if (i == std::string_view::npos)
+        if (i == text.npos)
             return false;
         if (text[i] == second)
             return true;
@@ -28,8 +26,11 @@ bool isRefused(std::string_view text, char first, char second) {
 } // namespace
 
 int ValidateInput(const char* text) {
-    FineTrace trace(g_libLog, "validateInput:ValidateInput()", ", text=", orNull(text));
-    const std::string_view input = text ? text : "";
+    return ValidateInput(std::string_view(orNull(text)));
+}
+
+int ValidateInput(std::string_view input) {
+    FineTrace trace(g_libLog, "validateInput:ValidateInput()", ", text=", input);
     const bool refused =
         isRefused(input, '$', '(') || isRefused(input, '\\', '"') || isRefused(input, '`', '*');
     const int rc = refused ? ZOR_ILLEGAL_TEXT : 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <string_view>
+
 namespace Zorvane {
 
 /// A text that ValidateInput refuses.
@@ -10,5 +12,6 @@ inline constexpr int ZOR_ILLEGAL_TEXT = -2;
 /// a dollar and an opening parenthesis, or a backslash and a double quote, with or without blanks between the
 /// two; else 0.
 int ValidateInput(const char* text);
+int ValidateInput(std::string_view text);
 
 } // namespace Zorvane

@@ -99,6 +99,18 @@ std::uint32_t CB2VResource::deleteVeProfile(std::uint32_t veType, const std::str
     return trace.leave(static_cast<std::uint32_t>(rc), ", return rc=", rc);
 }
 
+bool CB2VResource::report(const Finding& finding) {
+    if (m_findings)
+        return m_findings->report(finding);
+    return describe(finding.kind).severity != Severity::BLOCKS;
+}
+
+bool CB2VResource::refuse(const Finding& finding) {
+    if (const std::uint64_t message = describe(finding.kind).message)
+        m_errorText = errorTextOf(message, messageArguments(finding));
+    return report(finding);
+}
+
 void CB2VResource::setErrorFromCatalogue(std::uint64_t messageId) {
     m_errorText = errorTextOf(messageId, {});
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "resources/B2VInput.h"
+#include "resources/Finding.h"
 
 #include <cstdint>
 #include <memory>
@@ -18,6 +19,10 @@ class CB2VResource {
     CB2VResource(const CB2VResource&) = delete;
     CB2VResource& operator=(const CB2VResource&) = delete;
     virtual ~CB2VResource() = default;
+
+    /// Whom the steps report to from here on; borrowed. Without it they stop at the first finding that
+    /// blocks.
+    void reportTo(Findings& findings) { m_findings = &findings; }
 
     /// `pending` becomes true if a conversion of the client waits or runs.
     virtual std::uint32_t isAnyPendingP2Vjob(B2VInput& input, bool& pending);
@@ -48,6 +53,10 @@ class CB2VResource {
     [[nodiscard]] const std::string& getError() const { return m_errorText; }
 
   protected:
+    /// Reports what refuses the conversion, or what the user should know. Whether the step goes on.
+    bool report(const Finding& finding);
+    /// The same, with the finding's message as the error text, if it has one.
+    bool refuse(const Finding& finding);
     /// Takes the text of a catalogue message as the error text. Never throws: a failed lookup leaves a fixed
     /// text.
     void setErrorFromCatalogue(std::uint64_t messageId);
@@ -56,6 +65,7 @@ class CB2VResource {
 
   private:
     std::string m_errorText;
+    Findings* m_findings = nullptr;
 };
 
 /// The resource of a VE type; null for an unknown one.

@@ -5,6 +5,14 @@
 
 namespace Zorvane {
 
+class Trace;
+
+/// What a listing of the inventory held; nothing if it failed.
+struct ListedNames {
+    std::vector<std::string> names;
+    bool isAnswered = false;
+};
+
 /// The last component of a data center's path: what the inventory's listings and the folder listing go by.
 std::string dataCenterComponent(const std::string& dataCenter);
 
@@ -22,30 +30,47 @@ class CVmwareB2VResource : public CB2VResource {
     /// The target's part of validateSetup: 0, or 3 with the error text of the first check that failed.
     std::uint32_t validateVMwareVEsetup(B2VInput& input);
 
-    // Whether an object of that name exists in the inventory, whatever the case. A listing that fails makes
-    // them false, but for the display name, which then counts as free.
+    /// What insertVeProfile would do, without doing it: its result, and the profile that it would insert;
+    /// none where an equal one is used again, which the input then names.
+    std::uint32_t previewVeProfile(B2VInput& input, CZor& draft);
+    /// Has the daemon hold the profile that the input names against the target: 0, 3 or a code of the query.
+    std::uint32_t verifyVeProfile(const B2VInput& input);
 
-    bool isValidVmProxy(const std::string& proxy, const std::string& master);
+    // Whether an object of that name exists in the inventory, whatever the case. A listing that fails makes
+    // them false, but for the display name, which then counts as free. `listed` receives what there is.
+
+    bool isValidVmProxy(const std::string& proxy, const std::string& master, ListedNames* listed = nullptr);
     /// `type` receives the server's type: 1 is a vCenter, anything else a stand-alone host.
-    bool isValidVmServer(const std::string& server, const std::string& master, int& type);
+    bool isValidVmServer(const std::string& server, const std::string& master, int& type,
+                         ListedNames* listed = nullptr);
     bool isValidEsxhost(const std::string& esx, const std::string& proxy, const std::string& vmServer,
-                        const std::string& master);
+                        const std::string& master, ListedNames* listed = nullptr);
     bool isValidDatacenter(const std::string& dataCenter, const std::string& proxy,
-                           const std::string& vmServer, const std::string& master);
+                           const std::string& vmServer, const std::string& master,
+                           ListedNames* listed = nullptr);
     bool isValidVmFolder(const std::string& folder, const std::string& proxy, const std::string& vmServer,
-                         const std::string& dataCenter, const std::string& master);
+                         const std::string& dataCenter, const std::string& master,
+                         ListedNames* listed = nullptr);
     bool isValidCluster(const std::string& cluster, const std::string& proxy, const std::string& vmServer,
-                        const std::string& master);
+                        const std::string& master, ListedNames* listed = nullptr);
     bool isValidRpool(const std::string& pool, const std::string& proxy, const std::string& esx,
-                      const std::string& vmServer, const std::string& master);
+                      const std::string& vmServer, const std::string& master, ListedNames* listed = nullptr);
     /// True if no machine of that name exists.
     bool isValidVmDisplayName(const std::string& name, const std::string& proxy, const std::string& esx,
-                              const std::string& vmServer, const std::string& master);
+                              const std::string& vmServer, const std::string& master,
+                              ListedNames* listed = nullptr);
     /// `size` receives the free size in MB.
     bool isValidDataStore(const std::string& store, const std::string& proxy, const std::string& esx,
-                          const std::string& vmServer, const std::string& master, std::int64_t& size);
+                          const std::string& vmServer, const std::string& master, std::int64_t& size,
+                          ListedNames* listed = nullptr);
     bool isValidNetwork(const std::string& network, const std::string& proxy, const std::string& esx,
-                        const std::string& vmServer, const std::string& master);
+                        const std::string& vmServer, const std::string& master,
+                        ListedNames* listed = nullptr);
+
+  private:
+    void noteDoubts(FindingKind rule, const std::string& name, const ListedNames& known);
+    std::uint32_t draftVeProfile(Trace& trace, B2VInput& input, CZor& profiles);
+    std::uint32_t verifyVeProfile(Trace& trace, const B2VInput& input);
 };
 
 } // namespace Zorvane

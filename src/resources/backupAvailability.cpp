@@ -26,6 +26,11 @@ constexpr std::size_t HEADER_LINES = 2;
 constexpr unsigned SCHEDULE_TYPE_FIELD = 7;
 constexpr unsigned POLICY_FIELD = 9;
 
+// What a catalogue command says when the catalogue itself could not be consulted.
+bool isCatalogueFailure(int status) {
+    return status == 192 || status == 193 || status == 116;
+}
+
 bool contains(const std::vector<std::string>& list, const std::string& text) {
     return std::find(list.begin(), list.end(), text) != list.end();
 }
@@ -76,6 +81,14 @@ class ImageSearch {
         return false;
     }
 
+    /// The wanted files that were not found.
+    [[nodiscard]] std::vector<std::string> missing() const {
+        std::vector<std::string> files;
+        std::copy_if(m_wanted.begin(), m_wanted.end(), std::back_inserter(files),
+                     [&](const std::string& file) { return isMissing(file); });
+        return files;
+    }
+
   private:
     void lookUp(const std::string& file, const std::string& scheduleType, std::string& policy) {
         m_trace.write(LEVEL_TRACE, "fileToFind = ", file);
@@ -117,10 +130,13 @@ class ImageSearch {
         return status;
     }
 
+    bool isMissing(const std::string& file) const {
+        return file != WANTED_FILES_END && !contains(m_found, file);
+    }
+
     bool isComplete() const {
-        return std::all_of(m_wanted.begin(), m_wanted.end(), [&](const std::string& file) {
-            return file == WANTED_FILES_END || contains(m_found, file);
-        });
+        return std::none_of(m_wanted.begin(), m_wanted.end(),
+                            [&](const std::string& file) { return isMissing(file); });
     }
 
     Trace& m_trace;
@@ -138,14 +154,17 @@ std::uint32_t CB2VResource::isFullBackupAvail(const B2VInput& input, const std::
     ClassTrace trace(g_appLog, "CB2VResource:CB2VResource::isFullBackupAvail()", ", configName=", configName);
     CZor zor;
     if (queryConfigRecord(zor, input.clientName, configName) != 0) {
+        report({.kind = FindingKind::BACKUP_CONFIG, .value = configName, .isUnanswered = true});
         trace.write(LEVEL_FAILURE, "Failed to query database.");
         return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
     }
     if (!zor.m_vConfig.empty() && queryConfigTree(zor) != 0) {
+        report({.kind = FindingKind::BACKUP_CONFIG, .value = configName, .isUnanswered = true});
         trace.write(LEVEL_FAILURE, "Failed to retrieve the zor config for client=", input.clientName);
         return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
     }
     if (zor.m_vConfig.empty() || zor.m_vEsm.empty()) {
+        report({.kind = FindingKind::BACKUP_NODE, .value = input.clientName});
         trace.write(LEVEL_FAILURE, "Either no client configuration found or esm vector is empty.");
         return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
     }
@@ -172,6 +191,11 @@ std::uint32_t CB2VResource::isFullBackupAvail(const B2VInput& input, const std::
         status = run(command, output);
     }
     if (status != 0) {
+        const bool isUnavailable = isCatalogueFailure(status);
+        report({.kind = isUnavailable ? FindingKind::CATALOGUE_UNAVAILABLE : FindingKind::BACKUP_LISTING,
+                .value = esm.getNodeName(),
+                .text = "The catalogue's command ended with status " + std::to_string(status) + ".",
+                .isUnanswered = isUnavailable});
         trace.write(LEVEL_FAILURE, "'", command, "' failed, rc=", status);
         return trace.leave(static_cast<std::uint32_t>(status), ", return rc=", status);
     }
@@ -186,6 +210,11 @@ std::uint32_t CB2VResource::isFullBackupAvail(const B2VInput& input, const std::
         ImageSearch search(trace, esm.getNodeName(), clientType, wantedFiles(zor));
         if (search.walk(std::move(lines)))
             result = 0;
+        for (const std::string& file : search.missing())
+            if (!report({.kind = FindingKind::BACKUP_FILE, .value = file}))
+                break;
+    } else {
+        report({.kind = FindingKind::BACKUP_NONE, .value = esm.getNodeName()});
     }
     return trace.leave(result, ", rc=", result);
 }

@@ -2,6 +2,7 @@
 // CB2VResource: which clients can become a virtual machine.
 #include "logging/Trace.h"
 #include "model/core_records.h"
+#include "model/enumerations.h"
 #include "model/windows_records.h"
 #include "resources/CB2VResource.h"
 #include "resources/clientConfiguration.h"
@@ -12,10 +13,6 @@
 namespace Zorvane {
 
 namespace {
-
-constexpr std::uint64_t MSG_SYSTEM_DISK_UNSUPPORTED = 35;
-constexpr std::uint64_t MSG_DATA_DISK_UNSUPPORTED = 36;
-constexpr std::uint64_t MSG_BUS_UNSUPPORTED = 39;
 
 constexpr const char* OLDEST_CLIENT_LEVEL = "7.6.0";
 constexpr const char* OLDEST_WINDOWS = "5.2";
@@ -49,29 +46,43 @@ bool isSameDisk(const CWindowsDisk* known, const CWindowsDisk& disk) {
 
 bool CB2VResource::isClientSupported(const CZor& clientConfig) {
     ClassTrace trace(g_libLog, "CB2VResource:CB2VResource::isClientSupported()");
-    const auto refuse = [&](const char* why) {
-        trace.write(LEVEL_FAILURE, why);
-        return trace.leave(false, ", isSupported=", false);
+    bool isSupported = true;
+    // Whether the rule behind is tried.
+    const auto refuse = [&](FindingKind rule, const std::string& value, const char* why) {
+        isSupported = false;
+        if (why)
+            trace.write(LEVEL_FAILURE, why);
+        return report({.kind = rule, .value = value});
     };
     const CSystem* system = clientConfig.m_vSystem.first();
     const CConfig* config = clientConfig.m_vConfig.first();
-    if (!system || !config)
-        return refuse("Either Client system or config table is empty");
-    if (!isConvertible(config->getType()))
-        return refuse("Unsupported Config type");
-    if (!isLevelAtLeast(config->getZorVersion(), OLDEST_CLIENT_LEVEL))
-        return refuse("Unsupported client's kvn version");
-    if (system->getOs() != OsType::NT)
-        return refuse("Unsupported OS Type for Backup to Virtual restores");
-    const bool isSupported = isLevelAtLeast(windowsVersion(system->getOsLevel()), OLDEST_WINDOWS);
+    const auto tryRules = [&] {
+        if (!system || !config)
+            return refuse(FindingKind::CLIENT_EMPTY, {}, "Either Client system or config table is empty");
+        if (!isConvertible(config->getType()) &&
+            !refuse(FindingKind::CLIENT_TYPE, toName(config->getType()), "Unsupported Config type"))
+            return false;
+        if (!isLevelAtLeast(config->getZorVersion(), OLDEST_CLIENT_LEVEL) &&
+            !refuse(FindingKind::CLIENT_LEVEL, config->getZorVersion(), "Unsupported client's kvn version"))
+            return false;
+        if (system->getOs() != OsType::NT) // and the level is no version of Windows
+            return refuse(FindingKind::CLIENT_OS, toName(system->getOs()),
+                          "Unsupported OS Type for Backup to Virtual restores");
+        const std::string version = windowsVersion(system->getOsLevel());
+        return isLevelAtLeast(version, OLDEST_WINDOWS) ||
+               refuse(FindingKind::CLIENT_WINDOWS, version, nullptr);
+    };
+    (void)tryRules();
     return trace.leave(isSupported, ", isSupported=", isSupported);
 }
 
 std::uint32_t CB2VResource::preSubmitCheck(B2VInput& input) {
     ClassTrace trace(g_appLog, "CB2VResource:CB2VResource::preSubmitCheck()");
-    const auto refuse = [&](std::uint64_t messageId) {
-        setErrorFromCatalogue(messageId);
-        return trace.leave(std::uint32_t{1}, ", return rc=", 1);
+    std::uint32_t rc = 0;
+    // Whether the check ends with it.
+    const auto refuses = [&](FindingKind rule, const std::string& diskName) {
+        rc = 1;
+        return !refuse({.kind = rule, .value = diskName});
     };
     CZor& config = input.clientConfig;
     const CSystem* system = config.m_vSystem.first();
@@ -83,21 +94,26 @@ std::uint32_t CB2VResource::preSubmitCheck(B2VInput& input) {
     for (const CWindowsDisk* disk : config.m_vWindowsDisk) {
         if (!disk || !HasUnconvertibleDeviceType(*disk))
             continue;
-        if (isSameDisk(systemDisk, *disk) || isSameDisk(bootDisk, *disk))
-            return refuse(MSG_SYSTEM_DISK_UNSUPPORTED);
-        if (!disk->getRestricted() && !input.systemOnly)
-            return refuse(MSG_DATA_DISK_UNSUPPORTED);
+        const bool isOfSystem = isSameDisk(systemDisk, *disk) || isSameDisk(bootDisk, *disk);
+        if (!isOfSystem && (disk->getRestricted() || input.systemOnly))
+            continue;
+        if (refuses(isOfSystem ? FindingKind::SYSTEM_DISK_UNSUPPORTED : FindingKind::DATA_DISK_UNSUPPORTED,
+                    disk->getName()))
+            return trace.leave(rc, ", return rc=", rc);
     }
 
     const bool mayHaveStorageSpaces =
         isLevelAtLeast(windowsVersion(system->getOsLevel()), FIRST_WINDOWS_WITH_STORAGE_SPACES);
     if (mayHaveStorageSpaces && !input.systemOnly) {
-        if (HasUnrestrictedDiskOnBus7(config))
-            return refuse(MSG_BUS_UNSUPPORTED);
-        if (IsReFsPresent(config))
+        if (HasUnrestrictedDiskOnBus7(config)) {
+            if (refuses(FindingKind::BUS_UNSUPPORTED, {}))
+                return trace.leave(rc, ", return rc=", rc);
+        } else if (IsReFsPresent(config)) {
             trace.write(LEVEL_FAILURE, "ReFS based volume found. ZOR will restore it as NTFS based volume.");
+            report({.kind = FindingKind::REFS_BECOMES_NTFS});
+        }
     }
-    return trace.leave(0, ", return rc=", 0);
+    return trace.leave(rc, ", return rc=", rc);
 }
 
 } // namespace Zorvane

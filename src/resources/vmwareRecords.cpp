@@ -17,9 +17,6 @@ namespace {
 
 using Column = CVmwareProfileOptions::Column;
 
-constexpr std::uint64_t MSG_QUERY_FAILED = 15;
-constexpr std::uint64_t MSG_PROFILE_NAME_TAKEN = 18;
-constexpr std::uint64_t MSG_EQUAL_PROFILE = 19;
 constexpr std::uint32_t PROFILE_NAME_TAKEN = 18;
 constexpr std::uint32_t EQUAL_PROFILE = 19;
 
@@ -89,36 +86,14 @@ ProfileDraft draftProfile(const B2VInput& input) {
 std::uint32_t CVmwareB2VResource::insertVeProfile(B2VInput& input) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::insertVEProfile()",
                      ", profileName=", input.profileName);
-    if (!input.profileName.empty()) {
-        CZor named;
-        if (queryVmwareProfileByName(named, input.profileName) != 0) {
-            setErrorFromCatalogue(MSG_QUERY_FAILED);
-            return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
-        }
-        if (!named.m_vVmwareProfileOptions.empty()) {
-            setErrorFromCatalogue(MSG_PROFILE_NAME_TAKEN);
-            return trace.leave(PROFILE_NAME_TAKEN, ", return ZOR_ERROR");
-        }
-    }
-
-    ProfileDraft draft = draftProfile(input);
     CZor profiles;
-    if (queryVmwareProfiles(profiles, draft.condition) != 0) {
-        trace.write(LEVEL_FAILURE, "Query of Vmware Profile information FAILED");
-        return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
-    }
-    if (const CVmwareProfileOptions* equal = profiles.m_vVmwareProfileOptions.first()) {
-        if (input.guiJob) {
-            setErrorFromCatalogue(MSG_EQUAL_PROFILE, equal->getProfileName());
-            return trace.leave(EQUAL_PROFILE, ", return ZOR_ERROR");
-        }
-        input.profileName = equal->getProfileName();
-        input.profileId = equal->getId();
+    if (const std::uint32_t rc = draftVeProfile(trace, input, profiles))
+        return trace.leave(rc, ", return ZOR_ERROR");
+    const CVmwareProfileOptions* draft = profiles.m_vVmwareProfileOptions.first();
+    if (!draft)
         return trace.leave(ZOR_SUCCESS, ", return ZOR_SUCCESS");
-    }
 
-    const std::string newName = draft.profile->getProfileName();
-    profiles.m_vVmwareProfileOptions.push_back(draft.profile.release());
+    const std::string newName = draft->getProfileName();
     if (profiles.insertRequest() != 0) {
         trace.write(LEVEL_FAILURE, "Database insertion failed.");
         return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
@@ -128,6 +103,46 @@ std::uint32_t CVmwareB2VResource::insertVeProfile(B2VInput& input) {
     if (const CVmwareProfileOptions* inserted = profiles.m_vVmwareProfileOptions.first())
         input.profileId = inserted->getId();
     return trace.leave(ZOR_SUCCESS, ", return ZOR_SUCCESS");
+}
+
+std::uint32_t CVmwareB2VResource::previewVeProfile(B2VInput& input, CZor& draft) {
+    ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::previewVeProfile()");
+    const std::uint32_t rc = draftVeProfile(trace, input, draft);
+    return trace.leave(rc, ", return rc=", rc);
+}
+
+std::uint32_t CVmwareB2VResource::draftVeProfile(Trace& trace, B2VInput& input, CZor& profiles) {
+    if (!input.profileName.empty()) {
+        CZor named;
+        if (queryVmwareProfileByName(named, input.profileName) != 0) {
+            if (!refuse({.kind = FindingKind::PROFILE_NAME_NOT_ASKED,
+                         .value = input.profileName,
+                         .isUnanswered = true}))
+                return ZOR_ERROR;
+        } else if (!named.m_vVmwareProfileOptions.empty()) {
+            if (!refuse({.kind = FindingKind::PROFILE_NAME_TAKEN, .value = input.profileName}))
+                return PROFILE_NAME_TAKEN;
+        }
+    }
+
+    ProfileDraft draft = draftProfile(input);
+    CZor equals;
+    if (queryVmwareProfiles(equals, draft.condition) != 0) {
+        report({.kind = FindingKind::EQUAL_PROFILE_NOT_ASKED, .isUnanswered = true});
+        trace.write(LEVEL_FAILURE, "Query of Vmware Profile information FAILED");
+        return ZOR_ERROR;
+    }
+    if (const CVmwareProfileOptions* equal = equals.m_vVmwareProfileOptions.first()) {
+        if (input.guiJob) {
+            refuse({.kind = FindingKind::EQUAL_PROFILE, .value = equal->getProfileName()});
+            return EQUAL_PROFILE;
+        }
+        input.profileName = equal->getProfileName();
+        input.profileId = equal->getId();
+        return ZOR_SUCCESS;
+    }
+    profiles.m_vVmwareProfileOptions.push_back(draft.profile.release());
+    return ZOR_SUCCESS;
 }
 
 std::uint32_t CVmwareB2VResource::enableVeProfile(const std::string& profileName) {
@@ -159,11 +174,13 @@ std::uint32_t CVmwareB2VResource::isAnyPendingP2Vjob(B2VInput& input, bool& pend
     CZor tasks;
     if (tasks.queryRequest("*", CP2VRestoreTask::TableName,
                            equalsIgnoringCase(CP2VRestoreTask::Column::ClientName, client)) != 0) {
-        setErrorFromCatalogue(MSG_QUERY_FAILED);
+        refuse({.kind = FindingKind::JOBS_NOT_ASKED, .value = client, .isUnanswered = true});
         return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
     }
     // Any row counts, whatever its state: the task of a finished job has moved to the log.
     pending = !tasks.m_vP2VRestoreTask.empty();
+    if (pending)
+        report({.kind = FindingKind::JOB_PENDING, .value = client});
     trace.write(LEVEL_TRACE, "No Pending P2V for client=", client, "and config=,",
                 config ? config->getName() : std::string(), ", return=", pending);
     return trace.leave(ZOR_SUCCESS, ", return ZOR_SUCCESS");

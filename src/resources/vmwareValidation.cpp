@@ -11,6 +11,7 @@
 #include "resources/vmwareProfiles.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Zorvane {
 
@@ -18,22 +19,6 @@ namespace {
 
 constexpr int VCENTER_SERVER = 1; // the inventory's server type
 constexpr const char* STANDALONE_DATA_CENTER = "ha-datacenter";
-
-enum : std::uint64_t {
-    MSG_SERVER_NOT_REACHED = 11,
-    MSG_QUERY_FAILED = 15,
-    MSG_VERIFY_FAILED = 20,
-    MSG_BAD_PROXY = 21,
-    MSG_BAD_SERVER = 22,
-    MSG_BAD_DATA_CENTER = 23,
-    MSG_BAD_FOLDER = 24,
-    MSG_BAD_POOL = 25,
-    MSG_NAME_TAKEN = 26,
-    MSG_BAD_NETWORK = 27,
-    MSG_BAD_DATA_STORE = 28,
-    MSG_BAD_CLUSTER = 29,
-    MSG_BAD_ESX_HOST = 30,
-};
 
 /// Statuses from here on are the operations client's own, not the daemon's.
 constexpr int FIRST_CLIENT_STATUS = 200;
@@ -47,22 +32,35 @@ bool hasName(const std::vector<std::string>& names, const std::string& name) {
                        [&](const auto& other) { return isSameName(other, name); });
 }
 
-template <class Map>
-auto findName(const Map& map, const std::string& name) {
-    return std::find_if(map.begin(), map.end(),
-                        [&](const auto& entry) { return isSameName(entry.first, name); });
-}
-
 // Asks one listing of names; a failure is logged in the predicate's words.
 template <class Listing>
-bool listsName(Trace& trace, const char* failure, const std::string& name, Listing listing) {
+bool listsName(Trace& trace, const char* failure, const std::string& name, ListedNames* listed,
+               Listing listing) {
     CZorb2vKvnrdConnect connect;
     std::vector<std::string> names;
     if (listing(connect, names) != 0) {
         trace.write(LEVEL_FAILURE, failure);
         return false;
     }
-    return trace.leave(hasName(names, name), ", name=", name);
+    const bool isThere = hasName(names, name);
+    if (listed)
+        *listed = {std::move(names), true};
+    return trace.leave(isThere, ", name=", name);
+}
+
+// The same of a listing with a number for each name, which `number` receives.
+template <class Number, class Map>
+bool findsName(const Map& map, const std::string& name, Number& number, ListedNames* listed) {
+    const auto found = std::find_if(map.begin(), map.end(),
+                                    [&](const auto& entry) { return isSameName(entry.first, name); });
+    if (found != map.end())
+        number = found->second;
+    if (listed) {
+        *listed = {{}, true};
+        for (const auto& entry : map)
+            listed->names.push_back(entry.first);
+    }
+    return found != map.end();
 }
 
 // The first name of a listing into a field that the user left empty; a failed listing leaves it empty.
@@ -85,13 +83,15 @@ std::string dataCenterComponent(const std::string& dataCenter) {
     return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-bool CVmwareB2VResource::isValidVmProxy(const std::string& proxy, const std::string& master) {
+bool CVmwareB2VResource::isValidVmProxy(const std::string& proxy, const std::string& master,
+                                        ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidVmProxy()");
-    return listsName(trace, "Failed to retrieve vmproxy list", proxy,
+    return listsName(trace, "Failed to retrieve vmproxy list", proxy, listed,
                      [&](auto& connect, auto& names) { return connect.getVmProxyList(names, master); });
 }
 
-bool CVmwareB2VResource::isValidVmServer(const std::string& server, const std::string& master, int& type) {
+bool CVmwareB2VResource::isValidVmServer(const std::string& server, const std::string& master, int& type,
+                                         ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidVmServer()");
     CZorb2vKvnrdConnect connect;
     std::map<std::string, int> servers;
@@ -99,71 +99,75 @@ bool CVmwareB2VResource::isValidVmServer(const std::string& server, const std::s
         trace.write(LEVEL_FAILURE, "Failed to retrieve vmServers list");
         return false;
     }
-    const auto found = findName(servers, server);
-    if (found == servers.end())
+    if (!findsName(servers, server, type, listed))
         return false;
-    type = found->second;
     return trace.leave(true, ", type=", type);
 }
 
 bool CVmwareB2VResource::isValidEsxhost(const std::string& esx, const std::string& proxy,
-                                        const std::string& vmServer, const std::string& master) {
+                                        const std::string& vmServer, const std::string& master,
+                                        ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidEsxhost()");
-    return listsName(trace, "Failed to retrieve esx servers list", esx, [&](auto& connect, auto& names) {
-        return connect.getEsxServerList(names, proxy, vmServer, master);
-    });
+    return listsName(
+        trace, "Failed to retrieve esx servers list", esx, listed,
+        [&](auto& connect, auto& names) { return connect.getEsxServerList(names, proxy, vmServer, master); });
 }
 
 bool CVmwareB2VResource::isValidDatacenter(const std::string& dataCenter, const std::string& proxy,
-                                           const std::string& vmServer, const std::string& master) {
+                                           const std::string& vmServer, const std::string& master,
+                                           ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidDatacenter()");
     return listsName(
-        trace, "Failed to retrieve data centers list", dataCenterComponent(dataCenter),
+        trace, "Failed to retrieve data centers list", dataCenterComponent(dataCenter), listed,
         [&](auto& connect, auto& names) { return connect.getDcList(names, proxy, vmServer, master); });
 }
 
 bool CVmwareB2VResource::isValidVmFolder(const std::string& folder, const std::string& proxy,
                                          const std::string& vmServer, const std::string& dataCenter,
-                                         const std::string& master) {
+                                         const std::string& master, ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidVmFolder()");
-    return listsName(trace, "Failed to retrieve VM Folders list", folder, [&](auto& connect, auto& names) {
-        return connect.getVmFoldersList(names, proxy, dataCenterComponent(dataCenter), vmServer, master);
-    });
+    return listsName(
+        trace, "Failed to retrieve VM Folders list", folder, listed, [&](auto& connect, auto& names) {
+            return connect.getVmFoldersList(names, proxy, dataCenterComponent(dataCenter), vmServer, master);
+        });
 }
 
 bool CVmwareB2VResource::isValidCluster(const std::string& cluster, const std::string& proxy,
-                                        const std::string& vmServer, const std::string& master) {
+                                        const std::string& vmServer, const std::string& master,
+                                        ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidCluster()");
-    return listsName(trace, "Failed to retrieve cluster list", cluster, [&](auto& connect, auto& names) {
-        return connect.getClusterList(names, proxy, vmServer, master);
-    });
+    return listsName(
+        trace, "Failed to retrieve cluster list", cluster, listed,
+        [&](auto& connect, auto& names) { return connect.getClusterList(names, proxy, vmServer, master); });
 }
 
 bool CVmwareB2VResource::isValidRpool(const std::string& pool, const std::string& proxy,
                                       const std::string& esx, const std::string& vmServer,
-                                      const std::string& master) {
+                                      const std::string& master, ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidRpool()");
     // The defaults fill in a path, users write a name: both are taken.
-    return listsName(trace, "Failed to retrieve resource pool list", pool, [&](auto& connect, auto& names) {
-        std::vector<std::string> paths;
-        const int rc = connect.getRpoolList(names, paths, proxy, esx, vmServer, master);
-        names.insert(names.end(), paths.begin(), paths.end());
-        return rc;
-    });
+    return listsName(trace, "Failed to retrieve resource pool list", pool, listed,
+                     [&](auto& connect, auto& names) {
+                         std::vector<std::string> paths;
+                         const int rc = connect.getRpoolList(names, paths, proxy, esx, vmServer, master);
+                         names.insert(names.end(), paths.begin(), paths.end());
+                         return rc;
+                     });
 }
 
 bool CVmwareB2VResource::isValidVmDisplayName(const std::string& name, const std::string& proxy,
                                               const std::string& esx, const std::string& vmServer,
-                                              const std::string& master) {
+                                              const std::string& master, ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidVmDisplayName()");
-    return !listsName(trace, "Failed to retrieve VMs list", name, [&](auto& connect, auto& names) {
+    return !listsName(trace, "Failed to retrieve VMs list", name, listed, [&](auto& connect, auto& names) {
         return connect.getVmList(names, proxy, esx, vmServer, master);
     });
 }
 
 bool CVmwareB2VResource::isValidDataStore(const std::string& store, const std::string& proxy,
                                           const std::string& esx, const std::string& vmServer,
-                                          const std::string& master, std::int64_t& size) {
+                                          const std::string& master, std::int64_t& size,
+                                          ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidDataStore()");
     CZorb2vKvnrdConnect connect;
     std::map<std::string, long long> stores;
@@ -171,30 +175,32 @@ bool CVmwareB2VResource::isValidDataStore(const std::string& store, const std::s
         trace.write(LEVEL_FAILURE, "Failed to retrieve data stores list");
         return false;
     }
-    const auto found = findName(stores, store);
-    if (found == stores.end())
+    if (!findsName(stores, store, size, listed))
         return false;
-    size = found->second;
     return trace.leave(true, ", size=", size);
 }
 
 bool CVmwareB2VResource::isValidNetwork(const std::string& network, const std::string& proxy,
                                         const std::string& esx, const std::string& vmServer,
-                                        const std::string& master) {
+                                        const std::string& master, ListedNames* listed) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::isValidNetwork()");
-    return listsName(trace, "Failed to retrieve VM Network list", network, [&](auto& connect, auto& names) {
-        return connect.getVmNetworksList(names, proxy, esx, vmServer, master);
-    });
+    return listsName(trace, "Failed to retrieve VM Network list", network, listed,
+                     [&](auto& connect, auto& names) {
+                         return connect.getVmNetworksList(names, proxy, esx, vmServer, master);
+                     });
 }
 
 std::uint32_t CVmwareB2VResource::initializeVeDefaults(B2VInput& input) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::initializeVeDefaults()");
-    const auto& [proxy, server, master] = std::tie(input.vmProxy, input.vmServer, input.masterServer);
+    const std::string& proxy = input.vmProxy;
+    const std::string& server = input.vmServer;
+    const std::string& master = input.masterServer;
     CZorb2vKvnrdConnect connect;
     std::vector<std::string> proxies;
     connect.getVmProxyList(proxies, master);
     std::map<std::string, int> servers;
     if (connect.getVmServerList(servers, master) != 0) {
+        report({.kind = FindingKind::SERVERS_NOT_LISTED, .isUnanswered = true});
         trace.write(LEVEL_FAILURE, "Failed to retrieve vmServers list");
         return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
     }
@@ -231,6 +237,8 @@ std::uint32_t CVmwareB2VResource::initializeVeDefaults(B2VInput& input) {
     } else {
         if (input.dataCenter.empty())
             input.dataCenter = STANDALONE_DATA_CENTER;
+        if (!input.cluster.empty())
+            report({.kind = FindingKind::CLUSTER_DROPPED, .value = input.cluster});
         input.cluster.clear();
     }
     if (!input.stripNetwork)
@@ -244,51 +252,114 @@ std::uint32_t CVmwareB2VResource::validateVMwareVEsetup(B2VInput& input) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::validateVMwareVEsetup()");
     const auto& [proxy, server, master] = std::tie(input.vmProxy, input.vmServer, input.masterServer);
     const std::string& esx = input.esxHost;
-    const auto refuse = [&](std::uint64_t message, const std::string& name, const auto&... debugText) {
-        setErrorFromCatalogue(message, name);
-        trace.write(LEVEL_TRACE, debugText...);
-        return trace.leave(static_cast<std::uint32_t>(ZOR_ERROR), ", return ZOR_ERROR");
+    std::uint32_t rc = ZOR_SUCCESS;
+    const auto leave = [&] {
+        return trace.leave(rc, rc == ZOR_SUCCESS ? ", return ZOR_SUCCESS" : ", return ZOR_ERROR");
     };
+    const auto skip = [&](const char* what, const char* why) {
+        report({.kind = FindingKind::NOT_CHECKED, .value = std::string(what) + " (" + why + ")"});
+    };
+    ListedNames listed;
+    // Takes the result of a check, which has filled `listed`. Whether the next one is made.
+    const auto goesOn = [&](bool holds, FindingKind rule, const std::string& name, const auto&... debugText) {
+        ListedNames known = std::exchange(listed, {});
+        if (holds)
+            return noteDoubts(rule, name, known), true;
+        rc = ZOR_ERROR;
+        const bool isNext = refuse({.kind = rule,
+                                    .value = name,
+                                    .candidates = std::move(known.names),
+                                    .isUnanswered = !known.isAnswered});
+        trace.write(LEVEL_TRACE, debugText...);
+        return isNext;
+    };
+
     // The order of these checks is a contract: the first that fails is the one that the user is told of.
-    if (!isValidVmProxy(proxy, master))
-        return refuse(MSG_BAD_PROXY, proxy,
-                      "Invalid Virtual Image Conversion client selected for restore:", proxy);
+    if (!goesOn(isValidVmProxy(proxy, master, &listed), FindingKind::PROXY_UNKNOWN, proxy,
+                "Invalid Virtual Image Conversion client selected for restore:", proxy))
+        return leave();
     int serverType = 0;
-    if (!isValidVmServer(server, master, serverType))
-        return refuse(MSG_BAD_SERVER, server, "Invalid Virtual Machine Server selected for restore:", server);
+    const bool hasServer = isValidVmServer(server, master, serverType, &listed);
+    if (!goesOn(hasServer, FindingKind::SERVER_UNKNOWN, server,
+                "Invalid Virtual Machine Server selected for restore:", server))
+        return leave();
+    if (!hasServer) {
+        skip("objects of the target", "the virtual machine server is not known");
+        return leave();
+    }
+    bool hasHost = true;
     if (serverType == VCENTER_SERVER) {
-        if (!esx.empty() && !isValidEsxhost(esx, proxy, server, master))
-            return refuse(MSG_BAD_ESX_HOST, esx, "Invalid Esx server:", esx, " of vCenter:", server);
-        if (!dataCenterComponent(input.dataCenter).empty() &&
-            !isValidDatacenter(input.dataCenter, proxy, server, master))
-            return refuse(MSG_BAD_DATA_CENTER, input.dataCenter,
-                          "Invalid Virtual Machine Server selected for restore:", input.dataCenter);
-        if (!isValidVmFolder(input.vmFolder, proxy, server, input.dataCenter, master))
-            return refuse(MSG_BAD_FOLDER, input.vmFolder,
-                          "Invalid Virtual Environment folder selected for restore:", input.vmFolder);
-        if (!input.cluster.empty() && !isValidCluster(input.cluster, proxy, server, master))
-            return refuse(MSG_BAD_CLUSTER, input.cluster,
-                          "Invalid ESX cluster selected for restore:", input.cluster);
+        hasHost = esx.empty() || isValidEsxhost(esx, proxy, server, master, &listed);
+        if (!goesOn(hasHost, FindingKind::HOST_UNKNOWN, esx, "Invalid Esx server:", esx,
+                    " of vCenter:", server))
+            return leave();
+        const bool hasDataCenter = dataCenterComponent(input.dataCenter).empty() ||
+                                   isValidDatacenter(input.dataCenter, proxy, server, master, &listed);
+        if (!goesOn(hasDataCenter, FindingKind::DATA_CENTER_UNKNOWN, input.dataCenter,
+                    "Invalid Virtual Machine Server selected for restore:", input.dataCenter))
+            return leave();
+        if (!hasDataCenter)
+            skip("folder", "the data center is not known");
+        else if (!goesOn(isValidVmFolder(input.vmFolder, proxy, server, input.dataCenter, master, &listed),
+                         FindingKind::FOLDER_UNKNOWN, input.vmFolder,
+                         "Invalid Virtual Environment folder selected for restore:", input.vmFolder))
+            return leave();
+        if (!input.cluster.empty() && !goesOn(isValidCluster(input.cluster, proxy, server, master, &listed),
+                                              FindingKind::CLUSTER_UNKNOWN, input.cluster,
+                                              "Invalid ESX cluster selected for restore:", input.cluster))
+            return leave();
     }
-    if (!isValidRpool(input.resourcePool, proxy, esx, server, master))
-        return refuse(MSG_BAD_POOL, input.resourcePool,
-                      "Invalid Resource Pool selected for restore:", input.resourcePool);
-    if (!input.overwriteVm && !isValidVmDisplayName(input.vmDisplayName, proxy, esx, server, master)) {
-        setErrorFromCatalogue(MSG_NAME_TAKEN);
-        trace.write(LEVEL_TRACE, "Another Virtual Machine already exists with same name");
-        return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");
-    }
+    if (!hasHost)
+        skip("resource pool, data stores and network", "the ESX host is not known");
+    else if (!goesOn(isValidRpool(input.resourcePool, proxy, esx, server, master, &listed),
+                     FindingKind::POOL_UNKNOWN, input.resourcePool,
+                     "Invalid Resource Pool selected for restore:", input.resourcePool))
+        return leave();
+    if (!input.overwriteVm &&
+        !goesOn(isValidVmDisplayName(input.vmDisplayName, proxy, esx, server, master, &listed),
+                FindingKind::MACHINE_EXISTS, input.vmDisplayName,
+                "Another Virtual Machine already exists with same name"))
+        return leave();
+    if (!hasHost)
+        return leave();
     if (!input.dataStore.empty() &&
-        !isValidDataStore(input.dataStore, proxy, esx, server, master, input.dataStoreSize))
-        return refuse(MSG_BAD_DATA_STORE, input.dataStore,
-                      "Invalid Datastore selected for restore:", input.dataStore);
+        !goesOn(isValidDataStore(input.dataStore, proxy, esx, server, master, input.dataStoreSize, &listed),
+                FindingKind::STORE_UNKNOWN, input.dataStore,
+                "Invalid Datastore selected for restore:", input.dataStore))
+        return leave();
     for (DiskDataStoreEntry& entry : input.diskMap)
-        if (!isValidDataStore(entry.dataStoreName, proxy, esx, server, master, entry.availableSize))
-            return refuse(MSG_BAD_DATA_STORE, entry.dataStoreName,
-                          "Invalid Datastore selected for restore:", entry.dataStoreName);
-    if (!input.vmNetwork.empty() && !isValidNetwork(input.vmNetwork, proxy, esx, server, master))
-        return refuse(MSG_BAD_NETWORK, input.vmNetwork, "Invalid Network Adaptor selected:", input.vmNetwork);
-    return trace.leave(ZOR_SUCCESS, ", return ZOR_SUCCESS");
+        if (!goesOn(isValidDataStore(entry.dataStoreName, proxy, esx, server, master, entry.availableSize,
+                                     &listed),
+                    FindingKind::DISK_STORE_UNKNOWN, entry.dataStoreName,
+                    "Invalid Datastore selected for restore:", entry.dataStoreName))
+            return leave();
+    if (!input.vmNetwork.empty())
+        (void)goesOn(isValidNetwork(input.vmNetwork, proxy, esx, server, master, &listed),
+                     FindingKind::NETWORK_UNKNOWN, input.vmNetwork,
+                     "Invalid Network Adaptor selected:", input.vmNetwork);
+    return leave();
+}
+
+// What a check that holds leaves open: which of several objects is meant, or whether it was a check at all.
+void CVmwareB2VResource::noteDoubts(FindingKind rule, const std::string& name, const ListedNames& known) {
+    if (rule == FindingKind::MACHINE_EXISTS) {
+        if (!known.isAnswered)
+            report({.kind = FindingKind::NOT_CHECKED,
+                    .value = "name of the virtual machine (the inventory did not list the machines, and the "
+                             "name counts as free)"});
+        return;
+    }
+    const auto matches = std::count_if(known.names.begin(), known.names.end(),
+                                       [&](const auto& other) { return isSameName(other, name); });
+    if (matches < 2)
+        return;
+    Finding ambiguous{.kind = FindingKind::NAME_AMBIGUOUS, .value = name};
+    for (const std::string& other : known.names)
+        if (other.find('/') != std::string::npos && isSameName(dataCenterComponent(other), name))
+            ambiguous.candidates.push_back(other);
+    ambiguous.text = "The target has " + std::to_string(matches) + " of the kind \"" + describe(rule).object +
+                     "\" by this name.";
+    report(ambiguous);
 }
 
 std::uint32_t CVmwareB2VResource::validateSetup(B2VInput& input) {
@@ -296,10 +367,18 @@ std::uint32_t CVmwareB2VResource::validateSetup(B2VInput& input) {
     if (!input.guiJob)
         if (const std::uint32_t rc = validateVMwareVEsetup(input))
             return trace.leave(rc, ", return rc=", rc);
+    return verifyVeProfile(trace, input);
+}
 
+std::uint32_t CVmwareB2VResource::verifyVeProfile(const B2VInput& input) {
+    ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::verifyVeProfile()");
+    return verifyVeProfile(trace, input);
+}
+
+std::uint32_t CVmwareB2VResource::verifyVeProfile(Trace& trace, const B2VInput& input) {
     CZor profiles;
     if (const int rc = queryVmwareProfileByName(profiles, input.profileName)) {
-        setErrorFromCatalogue(MSG_QUERY_FAILED);
+        refuse({.kind = FindingKind::PROFILE_NOT_READ, .value = input.profileName, .isUnanswered = true});
         return trace.leave(static_cast<std::uint32_t>(rc), ", return rc=", rc);
     }
     // Without a profile the number is 0 and the daemon's answer decides.
@@ -310,10 +389,11 @@ std::uint32_t CVmwareB2VResource::validateSetup(B2VInput& input) {
     if (rc == 0)
         return trace.leave(ZOR_SUCCESS, ", return ZOR_SUCCESS");
     if (rc < FIRST_CLIENT_STATUS) {
-        setErrorFromCatalogue(MSG_VERIFY_FAILED);
+        refuse({.kind = FindingKind::PROFILE_NOT_VERIFIED, .value = input.profileName, .text = output});
         trace.write(LEVEL_TRACE, "verifyb2v failed, retval=", rc, " output=", output);
     } else {
-        setErrorFromCatalogue(MSG_SERVER_NOT_REACHED, static_cast<std::uint32_t>(rc));
+        refuse(
+            {.kind = FindingKind::MASTER_NOT_REACHED, .value = FormatInteger(rc, 10), .isUnanswered = true});
         trace.write(LEVEL_TRACE, "Could not contact Master Server", " retval=", rc);
     }
     return trace.leave(ZOR_ERROR, ", return ZOR_ERROR");

@@ -9,6 +9,7 @@
 
 #include "model/CZor.h"
 #include "model/TableDescriptor.h"
+#include "storage/IdMap.h"
 
 #include <algorithm>
 #include <cassert>
@@ -18,6 +19,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace Zorvane {
@@ -149,14 +151,39 @@ Record* FindFirstReferring(const CZor& zor, const Owner& owner) {
                   [&](const Record& row) { return ReferenceTo<Owner>(row) == owner.getId(); });
 }
 
+/// Rows of one owner, strung together by their places in a list of all that are found.
+inline constexpr std::size_t NO_LINK = static_cast<std::size_t>(-1);
+template <class Record>
+struct ChainLink {
+    Record* row;
+    std::size_t next;
+};
+struct ChainEnds {
+    std::size_t first = NO_LINK, last = NO_LINK;
+};
+
 /// The rows that refer to any of the owners, owner by owner.
 template <Stored Record, RecordClass Owner>
 std::vector<Record*> FindReferring(const CZor& zor, const std::vector<Owner*>& owners) {
-    std::vector<Record*> found;
-    for (const Owner* owner : owners) {
-        const auto rows = FindReferring<Record>(zor, *owner);
-        found.insert(found.end(), rows.begin(), rows.end());
+    // One pass over the rows, however many owners there are, which strings each owner's rows together.
+    std::vector<ID> ids;
+    std::transform(owners.begin(), owners.end(), std::back_inserter(ids),
+                   [](const Owner* owner) { return owner->getId(); });
+    IdMap<ChainEnds> ends(ids);
+    std::vector<ChainLink<Record>> links;
+    for (Record* row : Rows<Record>(zor)) {
+        ChainEnds* owned = row ? ends.find(ReferenceTo<Owner>(*row)) : nullptr;
+        if (!owned)
+            continue;
+        (owned->first == NO_LINK ? owned->first : links[owned->last].next) = links.size();
+        owned->last = links.size();
+        links.push_back({row, NO_LINK});
     }
+    std::vector<Record*> found;
+    found.reserve(links.size());
+    for (const ID id : ids)
+        for (std::size_t at = ends.find(id)->first; at != NO_LINK; at = links[at].next)
+            found.push_back(links[at].row);
     return found;
 }
 
@@ -169,13 +196,19 @@ Target* FindReferred(const CZor& zor, const Record& record) {
 /// The rows that the records refer to, each once (by its identifier), in the order of first appearance.
 template <Stored Target, RecordClass Record>
 std::vector<Target*> FindReferred(const CZor& zor, const std::vector<Record*>& records) {
+    // One pass over the targets, however many records there are; the first row of an identifier counts.
+    std::vector<ID> ids;
+    std::transform(records.begin(), records.end(), std::back_inserter(ids),
+                   [](const Record* record) { return ReferenceTo<Target>(*record); });
+    IdMap<Target*> targets(ids);
+    for (Target* row : Rows<Target>(zor))
+        if (row)
+            if (Target** place = targets.find(row->getId()); place && !*place)
+                *place = row;
     std::vector<Target*> found;
-    for (const Record* record : records) {
-        Target* target = FindReferred<Target>(zor, *record);
-        // A lookup gives the first row of an identifier, so the same identifier is the same row.
-        if (target && std::find(found.begin(), found.end(), target) == found.end())
+    for (const ID id : ids)
+        if (Target* target = std::exchange(*targets.find(id), nullptr))
             found.push_back(target);
-    }
     return found;
 }
 

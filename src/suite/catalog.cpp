@@ -12,6 +12,8 @@
 #include <map>
 #include <string_view>
 
+#include <iconv.h>
+#include <langinfo.h>
 #include <nl_types.h>
 
 namespace Zorvane::Suite {
@@ -76,15 +78,39 @@ fs::path directory() {
     return fs::read_symlink("/proc/self/exe", error).parent_path().parent_path() / "share" / "locale";
 }
 
-const char* findMessage(std::uint64_t originator, std::uint64_t number) {
+// A catalogue's text, which is UTF-8, in the code set of the process's locale; nothing if that can't write
+// it.
+std::optional<std::string> toNative(std::string_view text) {
+    const std::string_view codeSet = ::nl_langinfo(CODESET);
+    if (codeSet == "UTF-8" || std::ranges::all_of(text, [](unsigned char byte) { return byte < 0x80; }))
+        return std::string(text);
+    const iconv_t conversion = ::iconv_open(codeSet.data(), "UTF-8");
+    if (conversion == reinterpret_cast<iconv_t>(-1))
+        return std::nullopt;
+    // The widest growth is from two bytes to four, in GB 18030.
+    std::string out(2 * text.size(), '\0');
+    char* from = const_cast<char*>(text.data()); // iconv's prototype; it only reads
+    char* to = out.data();
+    std::size_t left = text.size();
+    std::size_t room = out.size();
+    // The result counts characters that were replaced by similar ones: they don't do.
+    const bool isWritten = ::iconv(conversion, &from, &left, &to, &room) == 0;
+    ::iconv_close(conversion);
+    out.resize(out.size() - room);
+    return isWritten ? std::optional(out) : std::nullopt;
+}
+
+// English is written in the characters that all code sets have, so that no message is lost to a code set.
+std::optional<std::string> findMessage(std::uint64_t originator, std::uint64_t number) {
     if (originator > MAX_ID || number > MAX_ID)
-        return nullptr;
+        return std::nullopt;
     const fs::path base = directory();
     for (const std::string& name : {language(), std::string(FALLBACK_LANGUAGE)})
         if (const Catalog* catalog = openCatalog(base / name / "zorvane.cat"))
             if (const char* text = catalog->find(originator, number))
-                return text;
-    return nullptr;
+                if (auto native = toNative(text))
+                    return native;
+    return std::nullopt;
 }
 
 } // namespace
@@ -97,12 +123,12 @@ std::string argumentText(const mrthLisAny_t& argument) {
 
 std::optional<std::string> catalogText(std::uint64_t originator, std::uint64_t number,
                                        const mrthLisArgs_t* arguments) {
-    const char* format = findMessage(originator, number);
+    const auto format = findMessage(originator, number);
     if (!format)
         return std::nullopt;
     std::string text;
     std::uint32_t next = 0;
-    for (std::string_view rest = format; !rest.empty();) {
+    for (std::string_view rest = *format; !rest.empty();) {
         const std::size_t place = std::min(rest.find("%s"), rest.size());
         text += rest.substr(0, place);
         rest.remove_prefix(place);

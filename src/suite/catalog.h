@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The message catalogues: set = originator, number = message, "%s" for each argument.
+// The message catalogues, in UTF-8: set = originator, number = message, "%s" for each argument.
 #pragma once
 
 #include "suite/quul.h"
@@ -13,8 +13,9 @@ namespace Zorvane::Suite {
 /// An argument as text; numbers are written as decimals.
 [[nodiscard]] std::string argumentText(const mrthLisAny_t& argument);
 
-/// A message in the language of the process's locale, else in English, its arguments filled in with their
-/// control characters spelled out; nothing if no catalogue has it. `arguments` may be null.
+/// A message in the language and the code set of the process's locale, its arguments filled in with their
+/// control characters spelled out. In English where the language has no catalogue, not the message, or
+/// letters that the code set can't write; nothing if no catalogue has the message. `arguments` may be null.
 [[nodiscard]] std::optional<std::string> catalogText(std::uint64_t originator, std::uint64_t number,
                                                      const mrthLisArgs_t* arguments);
 

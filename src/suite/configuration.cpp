@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "suite/configuration.h"
 
+#include "suite/FileWatch.h"
 #include "suite/configurationDocument.h"
 #include "suite/descriptor.h"
 #include "suite/printable.h"
@@ -80,9 +81,16 @@ Stamp stampOf(const char* path) {
     return {facts.st_dev, facts.st_ino, facts.st_size, facts.st_ctim.tv_sec, facts.st_ctim.tv_nsec};
 }
 
+// The name that the environment gives, or null.
+const char* chosenFile() {
+    const char* chosen = ::secure_getenv("KVN_CONF");
+    return chosen && *chosen ? chosen : nullptr;
+}
+
 class ConfigurationFile {
   public:
     const Configuration& current();
+    std::uint32_t watch();
 
   private:
     [[nodiscard]] Configuration load(const std::optional<std::string>& text, int error, bool chosen);
@@ -93,13 +101,13 @@ class ConfigurationFile {
     std::optional<std::string> m_text;
     std::string m_told;
     Configuration m_configuration;
+    FileWatch m_watch;
 };
 
 const Configuration& ConfigurationFile::current() {
-    const char* chosen = ::secure_getenv("KVN_CONF");
-    if (chosen && !*chosen)
-        chosen = nullptr;
+    const char* const chosen = chosenFile();
     const char* const path = chosen ? chosen : STANDARD_FILE;
+    m_watch.check();
     const Stamp stamp = stampOf(path);
     const bool samePath = path == m_path;
     if (samePath && m_proven && stamp == m_stamp)
@@ -113,10 +121,16 @@ const Configuration& ConfigurationFile::current() {
         m_path = path;
         m_configuration = load(text, error, chosen != nullptr);
         m_text = std::move(text);
+        m_watch.noteChange(); // which the watch may have missed
     }
     m_stamp = stamp;
     m_proven = !fresh;
     return m_configuration;
+}
+
+std::uint32_t ConfigurationFile::watch() {
+    const char* const chosen = chosenFile();
+    return m_watch.follow(chosen ? chosen : STANDARD_FILE);
 }
 
 Configuration ConfigurationFile::load(const std::optional<std::string>& text, int error, bool chosen) {
@@ -140,9 +154,19 @@ Levels Configuration::levelsOf(std::uint64_t originator) const {
     return own == originatorLevels.end() ? levels : own->second;
 }
 
+namespace {
+ConfigurationFile& file() {
+    static ConfigurationFile theFile;
+    return theFile;
+}
+} // namespace
+
 const Configuration& configuration() {
-    static ConfigurationFile file;
-    return file.current();
+    return file().current();
+}
+
+std::uint32_t watchConfiguration() {
+    return file().watch();
 }
 
 } // namespace Zorvane::Suite

@@ -2,14 +2,15 @@
 #include "suite/configurationDocument.h"
 
 #include "suite/printable.h"
+#include "suite/toml.h"
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <charconv>
 #include <limits>
+#include <new>
 #include <utility>
-
-#include <toml++/toml.h>
 
 namespace Zorvane::Suite {
 
@@ -158,6 +159,40 @@ std::size_t longLine(std::string_view text) {
     return 0;
 }
 
+// The parser can't bear a lack of memory: nearly all of it is declared to throw nothing, and ends the process
+// instead. So it works with a reserve that is let go when memory runs out; the lack is told behind it.
+class Reserve {
+  public:
+    explicit Reserve(std::size_t size) {
+        s_memory = ::operator new(size);
+        m_handler = std::set_new_handler(&letGo);
+    }
+    Reserve(const Reserve&) = delete;
+    Reserve& operator=(const Reserve&) = delete;
+    ~Reserve() {
+        std::set_new_handler(m_handler);
+        ::operator delete(s_memory.exchange(nullptr));
+    }
+
+    [[nodiscard]] static bool isGone() { return !s_memory; }
+
+  private:
+    static void letGo() {
+        void* const memory = s_memory.exchange(nullptr);
+        if (!memory)
+            throw std::bad_alloc();
+        ::operator delete(memory);
+    }
+
+    static inline std::atomic<void*> s_memory = nullptr;
+    std::new_handler m_handler = nullptr;
+};
+
+// A parsed text takes some ten times its size.
+constexpr std::size_t reserveFor(std::size_t textSize) {
+    return (std::size_t{64} << 10) + 64 * textSize;
+}
+
 } // namespace
 
 Configuration parseConfiguration(std::string_view text, const std::string& file, std::string& complaints) {
@@ -166,13 +201,16 @@ Configuration parseConfiguration(std::string_view text, const std::string& file,
         reader.complain(line, MAX_LINE_SIZE + 1, "the line is too long; the file is not used");
         return {};
     }
+    const Reserve reserve(reserveFor(text.size()));
+    Configuration out;
     try {
-        const toml::table root = toml::parse(text, std::string_view(file));
-        return readDocument(reader, root);
+        out = readDocument(reader, toml::parse(text, std::string_view(file)));
     } catch (const toml::parse_error& failure) {
         reader.complain(failure.source(), std::string(failure.description()) + "; the file is not used");
-        return {};
     }
+    if (Reserve::isGone())
+        throw std::bad_alloc();
+    return out;
 }
 
 } // namespace Zorvane::Suite

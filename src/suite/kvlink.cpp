@@ -2,14 +2,17 @@
 #include "suite/kvlink.h"
 
 #include "suite/configuration.h"
+#include "suite/conversation.h"
 #include "suite/descriptor.h"
 #include "suite/kvnclient.h"
 
 #include <cerrno>
 #include <csignal>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <arpa/inet.h>
 #include <netdb.h>
@@ -38,6 +41,30 @@ std::optional<std::uint16_t> portOf(const char* service) {
         return ntohs(static_cast<std::uint16_t>(entry->s_port));
     return std::nullopt;
 }
+
+using Addresses = std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)>;
+
+// What a host's name and a port stand for; empty if the name has no address. A run connects some forty times
+// to the same host, so the answer is kept until it proves to be of no use.
+class AddressBook {
+  public:
+    const Addresses& find(const char* host, std::uint16_t port) {
+        const auto known = m_known.try_emplace({host, port}, nullptr, &::freeaddrinfo).first;
+        if (known->second)
+            return known->second;
+        addrinfo hints{};
+        hints.ai_socktype = SOCK_STREAM;
+        hints.ai_flags = AI_NUMERICSERV;
+        addrinfo* found = nullptr;
+        if (::getaddrinfo(host, std::to_string(port).c_str(), &hints, &found) == 0)
+            known->second.reset(found);
+        return known->second;
+    }
+    void forget(const char* host, std::uint16_t port) { m_known.erase({host, port}); }
+
+  private:
+    std::map<std::pair<std::string, std::uint16_t>, Addresses> m_known;
+};
 
 bool connectTo(int socket, const addrinfo& address) {
     if (::connect(socket, address.ai_addr, address.ai_addrlen) == 0)
@@ -68,24 +95,23 @@ int kvlink_connect_to_service(const char* host, const char* service, int, int, i
     if (!port)
         return KVN_STATUS_UNKNOWN_SERVICE;
 
-    addrinfo hints{};
-    hints.ai_socktype = SOCK_STREAM;
-    hints.ai_flags = AI_NUMERICSERV;
-    addrinfo* found = nullptr;
-    if (::getaddrinfo(host, std::to_string(*port).c_str(), &hints, &found) != 0)
+    static AddressBook book;
+    const Addresses& addresses = book.find(host, *port);
+    if (!addresses)
         return KVN_STATUS_UNKNOWN_HOST;
-    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> addresses(found, &::freeaddrinfo);
-
-    for (const addrinfo* address = found; address; address = address->ai_next) {
+    for (const addrinfo* address = addresses.get(); address; address = address->ai_next) {
         Descriptor socket(::socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC, address->ai_protocol));
         if (!socket.isOpen() || !connectTo(socket.get(), *address))
             continue;
         const int on = 1;
         ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         ::setsockopt(socket.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+        // The number may be that of a conversation whose socket was closed behind this layer's back.
+        Zorvane::Suite::endConversation(socket.get());
         *descriptor = socket.release();
         return 0;
     }
+    book.forget(host, *port);
     return KVN_STATUS_CONNECT_FAILED;
 }
 
@@ -94,6 +120,7 @@ int kvn_connect_to_kvlinkd_service(const char* host, const char* service, int* d
 }
 
 void kvlink_closesocket(int descriptor) {
+    Zorvane::Suite::endConversation(descriptor);
     const Descriptor closed(descriptor);
 }
 

@@ -57,7 +57,8 @@ bool hosts_equal(const char* first, const char* second);
 int getUnameInfoData(kvn_uname_info& info);
 
 /// Opens a conversation with the request daemon of `master`: writes "<client> <user>" and reads the daemon's
-/// welcome, a decimal line. 0 and a socket that the caller closes, or a status.
+/// welcome, a decimal line. 0 and a socket, or a status. Only the calls below read from the socket, and
+/// kvlink_closesocket closes it.
 int kvnrd_connect(const char* master, const char* client, const char* user, int reserved, int* socket);
 /// Starts a command by writing its number; 0 on success, errno on failure.
 int send_kvnrdcmd(int socket, int command);
@@ -72,7 +73,8 @@ int put_string(int socket, const char* text, const char* context);
 int put_long(int socket, long value, const char* context);
 /// Reads one line with its line feed, at most `size - 1` bytes (a longer line comes in pieces), and ends it
 /// with NUL. Above 0 is the length, 0 the end of the stream, below 0 an error in errno. Takes nothing that
-/// stands behind the line feed, so that any other reader can go on from there.
+/// stands behind the line feed, so that any other reader can go on from there; but of a conversation with the
+/// request daemon, it reads ahead.
 int get_string(int socket, char* buffer, int size, int reserved, const char* context);
 /// Turns keep-alive on; `verbose` is the caller's debug level.
 void set_socket_keepalive(int socket, const char* label, int verbose);

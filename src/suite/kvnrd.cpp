@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The conversation with the request daemon, a line at a time.
+#include "suite/conversation.h"
 #include "suite/kvlink.h"
 #include "suite/kvnclient.h"
 #include "suite/printable.h"
@@ -15,20 +16,6 @@
 #include <unistd.h>
 
 namespace {
-
-// Up to `room` bytes, no further than a line feed; 0 at the end of the stream, -1 on error.
-ssize_t readPiece(int socket, char* buffer, std::size_t room) {
-    // Look before taking: what stands behind the line feed belongs to whoever reads next.
-    ssize_t seen = ::recv(socket, buffer, room, MSG_PEEK);
-    if (seen < 0 && errno == ENOTSOCK)
-        seen = ::read(socket, buffer, 1);
-    else if (seen > 0) {
-        const auto* end = static_cast<const char*>(std::memchr(buffer, '\n', static_cast<std::size_t>(seen)));
-        seen = ::recv(socket, buffer,
-                      end ? static_cast<std::size_t>(end - buffer) + 1 : static_cast<std::size_t>(seen), 0);
-    }
-    return seen;
-}
 
 // A line that is one decimal number and nothing else.
 std::optional<int> readNumber(int socket) {
@@ -47,6 +34,7 @@ std::optional<int> readNumber(int socket) {
 int kvnrd_connect(const char* master, const char* client, const char* user, int, int* socket) {
     if (const int status = kvlink_connect_to_service(master, "kvnrd", 0, 0, 0, 0, socket))
         return status;
+    Zorvane::Suite::startConversation(*socket);
     const std::string greeting = std::string(client) + " " + user;
     const int status = put_string(*socket, greeting.c_str(), "greeting") != 0
                            ? KVN_STATUS_WRITE_FAILED
@@ -75,7 +63,7 @@ int put_string(int socket, const char* text, const char*) {
         return errno = EINVAL;
     const std::string line = std::string(text) + "\n";
     for (std::size_t sent = 0; sent < line.size();) {
-        const ssize_t count = ::send(socket, line.data() + sent, line.size() - sent, MSG_NOSIGNAL);
+        const ssize_t count = Zorvane::Suite::sendPiece(socket, line.data() + sent, line.size() - sent);
         if (count >= 0)
             sent += static_cast<std::size_t>(count);
         else if (errno != EINTR)
@@ -96,7 +84,7 @@ int get_string(int socket, char* buffer, int size, int, const char*) {
     const auto room = static_cast<std::size_t>(size) - 1;
     std::size_t length = 0;
     while (length < room && (length == 0 || buffer[length - 1] != '\n')) {
-        const ssize_t count = readPiece(socket, buffer + length, room - length);
+        const ssize_t count = Zorvane::Suite::receivePiece(socket, buffer + length, room - length);
         if (count == 0)
             break;
         if (count > 0)

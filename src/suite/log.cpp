@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The log channels: a rotated file for each originator, and the terminal for the user's messages.
+#include "suite/FileWatch.h"
 #include "suite/catalog.h"
 #include "suite/configuration.h"
 #include "suite/descriptor.h"
@@ -49,7 +50,12 @@ std::unique_ptr<LogFile> openFile(const std::string& path, const Configuration& 
 
 void setLevels(mrthLogHandle_t& handle) {
     // Without a file nothing would come of a statement, so no level lets one pass.
-    const Levels levels = handle.file ? configuration().levelsOf(handle.originator) : Levels{-1, -1};
+    Levels levels{-1, -1};
+    if (handle.file) {
+        const std::uint32_t state = watchConfiguration();
+        levels = configuration().levelsOf(handle.originator);
+        handle.configurationState = state;
+    }
     handle.debugLevel = levels.debug;
     handle.diagLevel = levels.diag;
 }
@@ -167,13 +173,16 @@ void mrthLogFreeCfg(mrthLogCfg_t* cfg) {
 }
 
 void mrthDynaLoadConfig(mrthLogHandle_t* handle) {
-    if (!handle->file)
+    // Every statement comes by here, most of them to be silent.
+    if (!handle->file || handle->configurationState == FileWatch::state())
         return;
+    const int error = errno;
     try {
         setLevels(*handle);
     } catch (const std::exception&) {
         // Out of memory: the levels stay as they are.
     }
+    errno = error;
 }
 
 void mrthLogInitMsg(mrthLogMsg_t* message, mrthLogHandle_t* handle, std::int32_t kind, std::int32_t) {

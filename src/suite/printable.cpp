@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "suite/printable.h"
 
+#include <cwchar>
+#include <cwctype>
+
 namespace Zorvane::Suite {
 
 namespace {
@@ -22,6 +25,16 @@ std::size_t utf8Length(std::string_view text) {
             return 0;
     const bool overlong = (lead == 0xe0 && byte(1) < 0xa0) || (lead == 0xf0 && byte(1) < 0x90);
     return overlong ? 0 : length;
+}
+
+// The length of the character at the front of a text in the process's locale, if it is a printable one of
+// several bytes, else 0. In Japanese and Chinese code sets such bytes look like controls.
+std::size_t wideCharacterLength(std::string_view text) {
+    std::mbstate_t state{};
+    wchar_t character = 0;
+    const std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
+    return length > 1 && length <= text.size() && !std::iswcntrl(static_cast<std::wint_t>(character)) ? length
+                                                                                                      : 0;
 }
 
 bool isControl(unsigned char code) {
@@ -51,6 +64,11 @@ std::string printable(std::string_view text) {
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
+        if (const std::size_t length = wideCharacterLength(text)) {
+            out += text.substr(0, length);
+            text.remove_prefix(length);
+            continue;
+        }
         // The second control set is one byte in an 8-bit code and C2 with that byte in UTF-8.
         const std::size_t length = utf8Length(text);
         const std::size_t taken = length == 0 ? 1 : length;

@@ -55,7 +55,8 @@ struct mrthLogHandle_t {
     std::int32_t closedState; ///< 0 while open with its own file
     std::uint64_t product;
     std::uint64_t originator;
-    mrthLogMsg_t message; ///< the channel's own message record
+    std::uint32_t configurationState; ///< of the file that the levels come from; 0: to be looked at each time
+    mrthLogMsg_t message;             ///< the channel's own message record
 };
 
 /// The configuration of a product and originator. Nothing in it needs the log to be open.

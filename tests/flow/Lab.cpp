@@ -125,13 +125,22 @@ void Lab::stop() {
 }
 
 Ended Lab::zorb2v(const std::vector<std::string>& arguments, const Environment& environment) const {
-    std::vector<std::string> command = {ZOR_ZORB2V};
+    return run(ZOR_ZORB2V, arguments, environment);
+}
+
+Ended Lab::zorinfo(const std::vector<std::string>& arguments, const Environment& environment) const {
+    return run(ZOR_ZORINFO, arguments, environment);
+}
+
+Ended Lab::run(const std::string& program, const std::vector<std::string>& arguments,
+               const Environment& environment) const {
+    std::vector<std::string> command = {program};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    Ended run;
-    run.status = finish(start(command, environment, path("out"), path("err")));
-    run.out = readFile(path("out"));
-    run.err = readFile(path("err"));
-    return run;
+    Ended ended;
+    ended.status = finish(start(command, environment, path("out"), path("err")));
+    ended.out = readFile(path("out"));
+    ended.err = readFile(path("err"));
+    return ended;
 }
 
 std::string Lab::road() {

@@ -31,9 +31,16 @@ class Lab {
     /// Serves the lab with these rules for failures; jobs stay in their first state.
     void serve(const std::vector<std::string>& rules = {});
     void stop();
+    /// The process that serves, or 0.
+    [[nodiscard]] int server() const { return m_server; }
 
     /// zorb2v with these arguments, against this lab unless the environment says otherwise.
     Ended zorb2v(const std::vector<std::string>& arguments, const Environment& environment = {}) const;
+    /// The same for the companion.
+    Ended zorinfo(const std::vector<std::string>& arguments, const Environment& environment = {}) const;
+    /// Any program, by its path.
+    Ended run(const std::string& program, const std::vector<std::string>& arguments,
+              const Environment& environment = {}) const;
 
     /// What the daemons were asked since the last call, a word for each request: "config tree 9 10 start".
     /// Commands to the backup catalogue make one word together, listings are told by their numbers.

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace Zorvane::Test {
 long g_allocationsLeft = NEVER;
@@ -12,13 +13,17 @@ long g_allocationsLeft = NEVER;
 using namespace Zorvane::Test;
 
 void* operator new(std::size_t size) {
-    if (g_allocationsLeft == NEVER || g_allocationsLeft-- > 0)
-        if (void* memory = std::malloc(size == 0 ? 1 : size))
-            return memory;
-    g_allocationsLeft = NEVER;
-    if (const std::new_handler handler = std::get_new_handler())
-        handler();
-    throw std::bad_alloc();
+    bool fails = g_allocationsLeft != NEVER && g_allocationsLeft-- <= 0;
+    for (;;) {
+        if (!std::exchange(fails, false))
+            if (void* memory = std::malloc(size == 0 ? 1 : size))
+                return memory;
+        g_allocationsLeft = NEVER;
+        if (const std::new_handler handler = std::get_new_handler())
+            handler(); // which may have made room
+        else
+            throw std::bad_alloc();
+    }
 }
 
 void operator delete(void* memory) noexcept {

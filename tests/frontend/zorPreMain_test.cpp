@@ -4,7 +4,6 @@
 #include "frontend/zorb2v.h"
 #include "logging/CErrorMsg.h"
 #include "resources/CommandLog.h"
-#include "suite/configuration.h"
 
 #include <new>
 #include <stdexcept>
@@ -90,9 +89,6 @@ TEST(ZorPreMain, channelsThatCannotBeOpenedStaySilent) {
 TEST(ZorPreMain, anAllocationThatFailsBeforeTheCommandRunsHaltsIt) {
     const Scratch scratch;
     scratch.configureLog(5);
-    // The library that parses the configuration ends a process that is short of memory. It has nothing to do
-    // for a text that was read before.
-    Suite::configuration();
     const Outcome halted{114, "prog logging setup exception. Halting..\n"};
     const CommandMain command = [](std::int32_t argc, char** argv) {
         return g_allocationsLeft == NEVER ? isSetUp(argc, argv) : 0;

@@ -6,6 +6,8 @@
 
 namespace Zorvane {
 
+using namespace std::chrono_literals;
+
 TEST(FailRule, IsReadAsWritten) {
     using enum FailPoint;
     using enum FailEffect;
@@ -21,6 +23,10 @@ TEST(FailRule, IsReadAsWritten) {
         {"listing:22=deep", {Listing, "22", 0, {Deep, 1}}},
         {"listing@3=-1", {Listing, "", 3, {Status, -1}}},
         {"catalogue:kvnlist=116", {Catalogue, "kvnlist", 0, {Status, 116}}},
+        {"update=half", {Update, "", 0, {Half, 1}}},
+        {"version:zord=other", {Version, "zord", 0, {Other, 1}}},
+        {"query=delay", {Query, "", 0, {Delay, 1, 1000ms}}},
+        {"listing:9@2=delay:250", {Listing, "9", 2, {Delay, 1, 250ms}}},
         {"deleteprofile:a:b=type", {DeleteProfile, "a:b", 0, {Type, 1}}},
         // Cut from the end: names may hold the separators.
         {"deleteprofile:a=b@c@1=long", {DeleteProfile, "a=b@c", 1, {Long, 1}}},
@@ -44,6 +50,10 @@ TEST(FailRule, ThatMakesNoSenseIsRefusedWithTheWord) {
         {"query=explode", "\"explode\" is no effect"},
         {"query=256", "at most 255"},
         {"query=-1", "at most 255"},
+        {"query=other", "\"other\" is no effect"},
+        {"query=delay:", "at most 600000"},
+        {"query=delay:-1", "at most 600000"},
+        {"query=delay:600001", "at most 600000"},
         {"update=notxml", "update can have a number, close"}, // no document comes back
         {"listing=long", "no effect at this point"},          // no packets there
     };
@@ -57,13 +67,17 @@ TEST(FailRule, ThatMakesNoSenseIsRefusedWithTheWord) {
 }
 
 TEST(FailRules, CountWhatFits) {
-    FailRules rules({parseFailRule("query:config@2=9"), parseFailRule("query=close")});
+    FailRules rules({parseFailRule("query:config@2=9"), parseFailRule("query=close"),
+                     parseFailRule("query=delay:5"), parseFailRule("query:system=delay:20")});
+    std::chrono::milliseconds delay{};
     const auto ask = [&](FailPoint point, const std::vector<std::string>& names) {
-        const auto failure = rules.check(point, names);
+        const auto [failure, wait] = rules.judge(point, names);
+        delay = wait;
         return failure ? failureText(*failure) : "";
     };
     EXPECT_EQ(ask(FailPoint::Tree, {"Config"}), "");
     EXPECT_EQ(ask(FailPoint::Query, {"System", "Config"}), "close");
+    EXPECT_EQ(delay, 25ms) << "of all that fit";
     EXPECT_EQ(ask(FailPoint::Query, {"System"}), "close"); // fits the second rule alone
     EXPECT_EQ(ask(FailPoint::Query, {"Config"}), "9");
     EXPECT_EQ(ask(FailPoint::Query, {"Config"}), "close");

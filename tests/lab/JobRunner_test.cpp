@@ -7,6 +7,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
+constexpr std::int64_t NOW = 1'800'000'000;
+
 class JobRunnerTest : public StoreTest {
   protected:
     JobRunnerTest() {
@@ -29,13 +31,14 @@ class JobRunnerTest : public StoreTest {
             std::this_thread::sleep_for(milliseconds(5));
         return condition();
     }
-    void expectLogOf(ID task) {
+    void expectLogOf(ID task, bool atFixedTime = true) {
         const auto logs = m_store->taskLogs();
         ASSERT_EQ(logs.size(), 1U);
         EXPECT_EQ(logs[0].getVmName(), "vm" + std::to_string(task));
         EXPECT_EQ(logs[0].getState(), TaskState::DONE);
         EXPECT_EQ(logs[0].getStatus(), 0);
         EXPECT_EQ(logs[0].getCreateTime(), 1234);
+        EXPECT_EQ(logs[0].getEndTime() == NOW, atFixedTime);
         EXPECT_GT(logs[0].getEndTime(), 1'700'000'000);
         EXPECT_EQ(found(CDiskToDataStoreMapLog::TableName,
                         "P2VRestoreTaskLogId=1 AND DiskName='disk" + std::to_string(task) + "'"),
@@ -51,15 +54,15 @@ TEST_F(JobRunnerTest, ATaskGoesThroughItsStates) {
     EXPECT_EQ(m_store->submitTask(9).status, STORE_NO_SUCH_ROW);
     EXPECT_EQ(m_store->findTask(2)->getState(), TaskState::QUEUED);
     for (const TaskState state : {TaskState::ACTIVE, TaskState::DONE}) {
-        EXPECT_EQ(m_store->advanceTasks({1, 2}), std::vector<ID>{2}) << "1 was not submitted";
+        EXPECT_EQ(m_store->advanceTasks({1, 2}, NOW), std::vector<ID>{2}) << "1 was not submitted";
         EXPECT_EQ(m_store->findTask(2)->getState(), state);
     }
-    EXPECT_TRUE(m_store->advanceTasks({2}).empty());
+    EXPECT_TRUE(m_store->advanceTasks({2}, NOW).empty());
     expectLogOf(2);
 }
 
 TEST_F(JobRunnerTest, TakesSubmittedTasksToTheirEnd) {
-    JobRunner runner(*m_store, milliseconds(5));
+    JobRunner runner(*m_store, milliseconds(5), {}, NOW);
     EXPECT_EQ(runner.submit(9).status, STORE_NO_SUCH_ROW);
     EXPECT_TRUE(runner.submit(1).ok());
     EXPECT_TRUE(runner.submit(1).ok());
@@ -76,7 +79,7 @@ TEST_F(JobRunnerTest, TakesUpWhatAnEarlierProcessLeft) {
     open();
     const JobRunner runner(*m_store, milliseconds(0));
     EXPECT_TRUE(comesTrue([&] { return !m_store->taskLogs().empty(); }));
-    expectLogOf(2);
+    expectLogOf(2, false);
 }
 
 TEST_F(JobRunnerTest, ATaskThatIsDeletedIsForgotten) {
@@ -84,7 +87,7 @@ TEST_F(JobRunnerTest, ATaskThatIsDeletedIsForgotten) {
     CZor rows;
     add(rows.m_vP2VRestoreTask, 1).setFromDb();
     ASSERT_TRUE(m_store->del(document(rows)).ok());
-    EXPECT_TRUE(m_store->advanceTasks({1}).empty());
+    EXPECT_TRUE(m_store->advanceTasks({1}, NOW).empty());
     EXPECT_TRUE(m_store->submittedTasks().empty());
     EXPECT_TRUE(m_store->taskLogs().empty());
 }

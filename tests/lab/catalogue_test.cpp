@@ -51,6 +51,18 @@ status = 192
 [[client]]
 name = "bare"
 type = 0
+[[client]]
+name = "shared"
+type = 0
+  [[client.image]]
+  policy = "Daily"
+  schedule = "Full"
+  time = 1000
+  content = "usual"
+  files = ["/etc/own"]
+[[content]]
+name = "usual"
+files = ["/etc/hosts"]
 )toml";
 
 std::string field(const std::string& line, unsigned number) {
@@ -87,6 +99,7 @@ TEST_F(CatalogueTest, CommandsAnswerLikeACatalogue) {
         {"kvnlist -C win -t 13 \"/C/Windows\"", 0, "/C/Windows/explorer.exe"}, // a folder by its name
         {"kvnlist -C win -t 13 \"/C/Win\"", 227, ""},
         {"kvnlist -C win -t 13 \"/?/o*d.t?t\"", 0, "/C/old.txt"},
+        {"kvnlist -C shared -t 0 /etc", 0, "/etc/own\n/etc/hosts\n"},
         {"kvnlist -C win -t 13", 20, "kvnlist: exactly one path"},
         {"kvnlist -C win -t x /C", 20, "kvnlist: option -t needs a number"},
         {"kvnlist -C", 20, "kvnlist: option -C has no value"},
@@ -143,6 +156,9 @@ TEST_F(CatalogueTest, FilesThatMakeNoSenseAreToldWithTheirPlace) {
         {"[[client]]\nname = \"a b\"\n", "name must be a single word"},
         {"[[client]]\nname = \"a\"\ntype = 100\n", ":3:8: type must be a whole number from 0 to 99"},
         {"[[client]]\nname = \"a\"\ntype = 0\nimages = []\n", ":4:10: \"images\" is no key"},
+        {"[[client]]\nname = \"a\"\ntype = 0\n[[client.image]]\npolicy = \"p\"\nschedule = \"s\"\ntime = 1\n"
+         "content = \"none\"\n",
+         "no [[content]] of the name \"none\""},
         {"client = 1\n", "client must be a list of tables"},
         {"[[client]]\nname = \"a\"\ntype = 0\n[[client.image]]\npolicy = \"p\"\nschedule = \"s\"\ntime = "
          "1\nfiles = [1]\n",

@@ -3,8 +3,11 @@
 #include "ServedLab.h"
 #include "ops/zorop.h"
 
+#include <algorithm>
 #include <atomic>
 #include <random>
+
+#include <poll.h>
 
 namespace Zorvane {
 
@@ -115,8 +118,42 @@ TEST(HostilePeers, ATooLargeDocumentIsRefusedWithAStatus) {
     EXPECT_EQ(rows.queryRequest("*", TASKS, std::string(500'000, 'x')), STORE_TOO_MUCH);
 }
 
+// A million elements and more take a lot of memory, whatever their bytes.
+TEST(HostilePeers, ADocumentOfTooManyElementsIsRefused) {
+    ServedLab lab;
+    std::string document = "<ZorData>";
+    for (int i = 0; i < 1'000'001; ++i)
+        document += "<a/>";
+    document += "</ZorData>";
+    const auto socket = lab.connect("zord");
+    sendAll(socket.get(), OPENING + number(0x00160000 | 12) + number(10) +
+                              number(static_cast<std::uint32_t>(document.size())) + document);
+    EXPECT_NE(heard(socket.get()).find(word(23) + word(9) + static_cast<char>(STORE_TOO_MUCH)),
+              std::string::npos);
+    EXPECT_TRUE(answers());
+}
+
+// Large documents that never come to an end keep each other out, and nobody else.
+TEST(HostilePeers, FewLargeDocumentsAreHeld) {
+    ServedLab lab;
+    const std::string large = OPENING + number(0x00160000 | 12) + number(10) + number(8 << 20);
+    std::vector<std::unique_ptr<Suite::Descriptor>> all;
+    std::vector<pollfd> ends; // only the refused one's connection comes to its end
+    for (std::ptrdiff_t i = 0; i <= DocumentTurns::HELD; ++i) {
+        all.push_back(std::make_unique<Suite::Descriptor>(lab.connect("zord").release()));
+        sendAll(all.back()->get(), large);
+        ends.push_back({all.back()->get(), POLLRDHUP, 0});
+    }
+    ASSERT_EQ(::poll(ends.data(), ends.size(), 20'000), 1);
+    const auto refused =
+        std::ranges::find(ends, POLLRDHUP, [](const pollfd& end) { return end.revents & POLLRDHUP; });
+    EXPECT_NE(heard(refused->fd).find(word(23) + word(9) + static_cast<char>(STORE_TOO_MUCH)),
+              std::string::npos);
+    EXPECT_TRUE(answers());
+}
+
 TEST(HostilePeers, SilentOnesLoseTheirPlace) {
-    ServedLab lab({}, {.opening = 300ms, .exchange = 300ms});
+    ServedLab lab({}, {.opening = 300ms, .hurry = 300ms, .exchange = 300ms});
     std::vector<std::unique_ptr<Suite::Descriptor>> all;
     for (std::size_t i = 0; i < Server::MAX_CONNECTIONS + 20; ++i)
         all.push_back(std::make_unique<Suite::Descriptor>(lab.connect("zord").release()));
@@ -137,6 +174,22 @@ TEST(HostilePeers, SilentOnesLoseTheirPlace) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 25s);
     ::shutdown(socket.get(), SHUT_RDWR);
     drip.join();
+}
+
+// One that idles loses its place soon when others want it, and keeps it when nobody does.
+TEST(HostilePeers, IdlersMakeRoom) {
+    ServedLab lab({}, {.opening = 60s, .hurry = 100ms});
+    const auto patient = lab.connect("zord");
+    std::this_thread::sleep_for(400ms);
+    sendAll(patient.get(), OPENING);
+    char reply[4];
+    EXPECT_EQ(::recv(patient.get(), reply, sizeof reply, MSG_WAITALL), 4);
+    std::vector<std::unique_ptr<Suite::Descriptor>> idlers;
+    for (std::size_t i = 0; i < 2 * Server::MAX_CONNECTIONS; ++i)
+        idlers.push_back(std::make_unique<Suite::Descriptor>(lab.connect("zord").release()));
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_TRUE(answers());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s);
 }
 
 // The client's code is for one thread, so that these speak the protocol themselves.

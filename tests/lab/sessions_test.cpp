@@ -182,6 +182,8 @@ TEST(Sessions, PacketRequestsFailOnDemand) {
         {"query:P2VRestoreTask=9", 9},
         {"query:Config=9", 0},
         {"query@2=9", 0},
+        {"version=other", ZOROP_VERSION_FAILURE},
+        {"version=half", ZOROP_VERSION_FAILURE},
         {"query=close", ZOROP_NETWORK_FAILURE},
         {"query=garbage", ZOROP_NETWORK_FAILURE},
         {"query=type", ZOROP_NETWORK_FAILURE},
@@ -197,6 +199,26 @@ TEST(Sessions, PacketRequestsFailOnDemand) {
         EXPECT_EQ(rows.queryRequest("*", TASKS, "1"), row.query) << row.rule;
         EXPECT_TRUE(rows.m_vP2VRestoreTask.empty());
     }
+}
+
+TEST(Sessions, AnswersComeLateOnDemand) {
+    using Clock = std::chrono::steady_clock;
+    ServedLab lab(rules({"query@1=delay:400", "query@1=9", "listing=delay:150", "update=half"}),
+                  {.exchange = std::chrono::milliseconds(300)});
+    const auto begin = Clock::now();
+    CZor rows;
+    EXPECT_EQ(rows.queryRequest("*", TASKS, "1"), 9) << "a delay takes no time from the answer";
+    EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(400));
+    CZorb2vKvnrdConnect client;
+    std::vector<std::string> proxies;
+    EXPECT_EQ(client.getVmProxyList(proxies, "127.0.0.1"), 0);
+    EXPECT_EQ(proxies.size(), 2U);
+    EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(550));
+
+    insertTask("srv1");
+    EXPECT_EQ(rows.queryRequest("*", TASKS, "1"), 0);
+    rows.m_vP2VRestoreTask.front()->setVmName("x");
+    EXPECT_NE(rows.updateRequest(), 0) << "the update's answer breaks off";
 }
 
 TEST(Sessions, MethodsAndListingsFailOnDemand) {

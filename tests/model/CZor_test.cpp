@@ -111,6 +111,27 @@ TEST(CZorDocument, EqualIdsReplaceTheFirst) {
     EXPECT_EQ(zor.m_vConfig[0]->getName(), "two");
 }
 
+// So many that they are not sought one by one any more.
+TEST(CZorDocument, EqualIdsReplaceTheFirstOfMany) {
+    CZor zor;
+    std::string expected;
+    for (ID id = 300; id > 0; --id) {
+        addGateway(zor, id, true);
+        expected += std::to_string(id) + " ";
+    }
+    addGateway(zor, 7, true);
+    zor.m_vGateway.push_back(nullptr);
+    std::string rows;
+    for (ID id = 1; id <= 301; ++id)
+        for (const char* metric : {"a", "b"})
+            rows += "<Gateway><Id>" + std::to_string(id) + "</Id><Metric>" + metric + "</Metric></Gateway>";
+    ASSERT_EQ(readInto(zor, zorData(rows)), 0);
+    zor.m_vGateway.erase(zor.m_vGateway.begin() + 301); // the null
+    EXPECT_EQ(idsIn(zor), expected + "7 301 ");
+    for (std::size_t i = 0; i < 302; ++i)
+        EXPECT_EQ(zor.m_vGateway[i]->getMetric(), i == 300 ? "m7" : "b") << i;
+}
+
 TEST(CZorDocument, UnknownElementsAreSkippedAndBadDocumentsRefused) {
     CZor zor;
     EXPECT_EQ(

@@ -206,6 +206,57 @@ TEST_F(XmlParserTest, TheWalkSkipsTextAndEndsAtAComment) {
     EXPECT_EQ(p.parser.getRootName(), "r");
 }
 
+TEST_F(XmlParserTest, WhiteSpaceIsATextWhereItStandsAlone) {
+    Parsed p("<r>\n <o> </o>\n <p>\n  <f> </f>\n  <g>\n x</g> </p>\n</r>");
+    std::string text = "unread";
+    ASSERT_EQ(*p.parser.firstObjectTag(), "o");
+    p.parser.CopyNodeValue(&text);
+    EXPECT_EQ(text, " ");
+    ASSERT_EQ(*p.parser.nextObjectTag(), "p");
+    ASSERT_EQ(*p.parser.firstValueTag(), "f");
+    text.clear();
+    p.parser.CopyNodeValue(&text);
+    EXPECT_EQ(text, " ");
+    ASSERT_EQ(*p.parser.nextValueTag(), "g");
+    p.parser.CopyNodeValue(&text);
+    EXPECT_EQ(text, "\n x");
+    EXPECT_EQ(p.parser.nextValueTag(), nullptr);
+}
+
+TEST_F(XmlParserTest, ElementsOfOneNameDifferAsTheyAreWritten) {
+    Parsed p("<r xmlns:n='u'><o><f a='1'>1</f><f a='&lt;'/><f b='3'>3</f><f/><f a='5' b='5'/><n:f a='6'/>"
+             "<f xmlns='v' a='7'><f a='8'/></f><f a='9'>9</f></o></r>");
+    p.parser.firstObjectTag();
+    const struct {
+        const char *a, *b, *text;
+    } cases[] = {{"1", "", "1"}, {"<", "", ""}, {"", "3", "3"}, {"", "", ""},
+                 {"5", "5", ""}, {"6", "", ""}, {"7", "", ""},  {"9", "", "9"}};
+    const std::string a = "a", b = "b";
+    const std::string* tag = p.parser.firstValueTag();
+    for (const auto& c : cases) {
+        ASSERT_NE(tag, nullptr);
+        EXPECT_EQ(*tag, "f");
+        std::string ofA, ofB, text;
+        p.parser.CopyNodeAttribute(&ofA, &a);
+        p.parser.CopyNodeAttribute(&ofB, &b);
+        p.parser.CopyNodeValue(&text);
+        EXPECT_EQ(ofA + "|" + ofB + "|" + text, std::string(c.a) + "|" + c.b + "|" + c.text);
+        tag = p.parser.nextValueTag();
+    }
+    EXPECT_EQ(tag, nullptr);
+}
+
+TEST_F(XmlParserTest, ATagIsGoneByAsItReadsNow) {
+    XmlParser writer;
+    writer.AppendElement("Row");
+    std::string tag = "First";
+    writer.AppendValue(tag.c_str(), "1");
+    tag = "Other";
+    writer.AppendValue(tag.c_str(), "2");
+    EXPECT_NE(bytesOf(writer).find("<Other>2</Other>"), std::string::npos)
+        << "in the same place as the first";
+}
+
 #ifndef __SANITIZE_ADDRESS__ // its shadow is larger than any limit
 TEST_F(XmlParserTest, LackOfMemoryIsToldAsSuch) {
     const auto fillMemory = [] {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The runner with real children.
+#include "logging/CZorLog.h"
 #include "platform/HostFiles.h"
 #include "platform/zorSystemCommon.h"
 
@@ -113,6 +114,25 @@ TEST_F(Runner, FormsWithoutCapture) {
     EXPECT_EQ(status, 1);
 }
 
+TEST(RunnerLog, APrivateCommandStaysOutOfIt) {
+    const Scratch scratch(6);
+    CZorLog log(ZOR_PRODUCT_ID, ZOR_LIBRARY_ORIGINATOR);
+    g_libLog = &log;
+    std::stringstream output;
+    std::int32_t status = 0;
+    for (const char* command : {"echo s3cret", "echo s3cret; exit 4", "exec /no/such/s3cret 2>/dev/null",
+                                "kill -KILL $$ # s3cret"}) {
+        const char* const arguments[] = {"/bin/sh", "-c", command, nullptr};
+        ZorRunCommandCommon(command, output, status, ZOR_SYSTEM_CAPTURE_ALL, false);
+        ZorRunCommandCommon2(arguments, output, status, ZOR_SYSTEM_CAPTURE_ALL, false);
+        ZorSystemCommon(std::string(command) + " >/dev/null", status, 0, false);
+    }
+    EXPECT_EQ(scratch.read("51216-128.log").find("s3cret"), std::string::npos);
+    ZorRunCommandCommon("echo s3cret", output, status, 0, true);
+    EXPECT_NE(scratch.read("51216-128.log").find("command=echo s3cret"), std::string::npos);
+    g_libLog = nullptr;
+}
+
 TEST_F(Runner, FailingCallbackEndsTheCaptureNotTheWait) {
     const std::string endless = "while echo again; do :; done";
     int calls = 0;
@@ -169,6 +189,7 @@ TEST_F(Runner, NoPipeNoRun) {
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);
     const rlimit none{3, limit.rlim_max};
+    shell("true"); // the sanitizer looks at each type once, and needs a descriptor for it
     setrlimit(RLIMIT_NOFILE, &none);
     const std::string result = shell("echo x");
     setrlimit(RLIMIT_NOFILE, &limit);

@@ -35,15 +35,19 @@ TEST(Lookup, firstRowWithTheValues) {
 }
 
 TEST(Lookup, alongReferencesOwnerByOwnerAndEachTargetOnce) {
-    CZor zor;
-    addRows(zor, "WindowsDisk Id=1 Name=c | Id=2 Name=d; WindowsPlex Id=1 | Id=2; WindowsRegion Name=r "
-                 "WindowsPlexId=2 "
-                 "WindowsDiskId=1 | Name=s WindowsPlexId=1 | Name=t WindowsPlexId=1 WindowsDiskId=2 | Name=u "
-                 "WindowsDiskId=2 | Name=v WindowsPlexId=2 WindowsDiskId=2");
-    const std::vector plexes = {zor.m_vWindowsPlex[0], zor.m_vWindowsPlex[1]};
-    const auto regions = FindReferring<CWindowsRegion>(zor, plexes);
-    EXPECT_EQ(asText(regions), "s t r v");
-    EXPECT_EQ(asText(FindReferred<CWindowsDisk>(zor, regions)), "d c");
+    for (const std::string far : {"", "000000"}) { // identifiers that follow each other, and such that do not
+        CZor zor;
+        addRows(zor,
+                "WindowsDisk Id=1 Name=c | Id=2" + far + " Name=d; WindowsPlex Id=1 | Id=2" + far +
+                    "; WindowsRegion Name=r WindowsPlexId=2" + far +
+                    " WindowsDiskId=1 | Name=s WindowsPlexId=1 | Name=t WindowsPlexId=1 WindowsDiskId=2" +
+                    far + " | Name=u WindowsDiskId=2" + far + " | Name=v WindowsPlexId=2" + far +
+                    " WindowsDiskId=2" + far);
+        const std::vector plexes = {zor.m_vWindowsPlex[0], zor.m_vWindowsPlex[1]};
+        const auto regions = FindReferring<CWindowsRegion>(zor, plexes);
+        EXPECT_EQ(asText(regions), "s t r v");
+        EXPECT_EQ(asText(FindReferred<CWindowsDisk>(zor, regions)), "d c");
+    }
 }
 
 } // namespace Zorvane

@@ -64,6 +64,8 @@ TEST(Configuration, malformedFilesAreToldOnceWithTheirPlaceAndCountAsAbsent) {
     for (const auto& [text, place] : Cases{
              {"[master]\nservers = [\"alpha\"\nclient_name = 5\n", ":3:"},
              {"a = \"\x01\"\n", ":1:6: "},
+             {"[}master]\n", ":1:2: "},
+             {"o\xc3\x9c!=1\n", ":1:2: "},
              {"a = \"\xff\"\n", ":1:"},
              {"[logging]\n" + endless + " = 1\n", ":2:4097: "},
          }) {

@@ -168,6 +168,24 @@ TEST(RequestDaemon, conversation) {
     kvlink_closesocket(socket);
 }
 
+TEST(RequestDaemon, aConversationLeavesNothingToTheNext) {
+    for (const int status : {11, 12}) {
+        const Service service("kvnrd", [status](int peer) {
+            line(peer);
+            const std::string answers = "0\n" + std::to_string(status) + "\nnever asked for\n";
+            EXPECT_EQ(::write(peer, answers.data(), answers.size()), static_cast<ssize_t>(answers.size()));
+            EXPECT_EQ(line(peer), "one\n") << "what was put goes out when an answer is wanted";
+            EXPECT_EQ(line(peer), "two\n") << "or at the end";
+        });
+        int socket = -1;
+        ASSERT_EQ(kvnrd_connect("127.0.0.1", "labhost", "root", 0, &socket), 0);
+        EXPECT_EQ(put_string(socket, "one", "test"), 0);
+        EXPECT_EQ(get_kvnrdES(socket), status);
+        EXPECT_EQ(put_string(socket, "two", "test"), 0);
+        kvlink_closesocket(socket);
+    }
+}
+
 TEST(RequestDaemon, oddWelcomesGiveAStatusAndNoSocket) {
     for (const std::string answer :
          {"37\n", "", "0", "\n", "0 \n", "hello\n", "9999999999999999999999999999999999999\n"}) {

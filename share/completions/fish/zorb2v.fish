@@ -1,0 +1,39 @@
+# SPDX-License-Identifier: Apache-2.0
+# Completion of zorb2v for fish. The recovery daemon tells the clients and their configurations, if it answers within
+# half a second.
+
+function __zorb2v_clients
+    timeout 0.5 zorinfo configs --names 2>/dev/null </dev/null
+end
+
+function __zorb2v_configurations
+    set -l words (commandline -opc)
+    set -l place (contains -i -- -C $words); or return
+    set -l client $words[(math $place + 1)]
+    test -n "$client"; and timeout 0.5 zorinfo configs $client --names 2>/dev/null </dev/null
+end
+
+# The options, for "complete" with these arguments in front: "zorinfo check" takes them, too.
+function __zorb2v_options
+    complete $argv -o C -x -a '(__zorb2v_clients)' -d 'The client, as the backup suite calls it'
+    complete $argv -o vmserver -x -a '(__fish_print_hostnames)' -d 'The vCenter or ESX server for the machine'
+    complete $argv -o vmproxy -x -a '(__fish_print_hostnames)' -d 'The backup host that reaches that server'
+    complete $argv -o veconfig -r -F -d 'The file that describes the target'
+    complete $argv -o S -x -a '(__fish_print_hostnames)' -d 'The master server'
+    complete $argv -o config -x -a '(__zorb2v_configurations)' -d 'The client\'s saved configuration'
+    complete $argv -o vmw -d 'The target is VMware'
+    complete $argv -o vmhv -d 'The target is Hyper-V, which is refused'
+    complete $argv -o vmpo -d 'Power the machine on after the conversion'
+    complete $argv -o vmsn -d 'Strip the network interfaces'
+    complete $argv -o O -d 'Overwrite a machine of the same name'
+    complete $argv -o systemOnly -d 'Convert the disks of the system only'
+    complete $argv -o veprofile -x -d 'The profile that the console has made'
+    complete $argv -o gui -d 'The console has made and checked the target'
+    complete $argv -o zorb2v -d 'Another program is the caller'
+    complete $argv -o version -x -d 'The caller\'s version'
+    complete $argv -o esxhost -d 'Not used'
+    complete $argv -o help -d 'Show the usage text'
+end
+
+complete -c zorb2v -f
+__zorb2v_options -c zorb2v

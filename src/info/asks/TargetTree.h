@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a virtual machine server has, one in the other, by the names under which zorb2v takes it.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Zorvane {
+
+// Deques: while a tree is read, what is in one thing is added with others standing open around it.
+
+struct TargetHost {
+    std::string name;
+    std::vector<std::string> pools; ///< paths
+    std::vector<std::string> networks;
+    std::map<std::string, long long> stores; ///< with their free space in MB
+    std::vector<std::string> machines;
+};
+
+struct TargetCluster {
+    std::string name;
+    std::deque<TargetHost> hosts;
+};
+
+struct TargetDataCenter {
+    std::string name;
+    std::vector<std::string> folders; ///< paths
+    std::deque<TargetCluster> clusters;
+    std::deque<TargetHost> hosts;      ///< those that stand alone
+    std::vector<std::string> machines; ///< those that belong to no host
+};
+
+/// A listing that failed, and what is missing for it.
+struct UnansweredListing {
+    std::string what; ///< "networks"
+    std::string place;
+    int status = 0;
+};
+
+struct TargetTree {
+    std::string server;
+    bool isVCenter = false;
+    std::string proxy;
+    std::deque<TargetDataCenter> dataCenters;
+    std::vector<UnansweredListing> unanswered;
+};
+
+/// The names to choose a target from.
+struct TargetServers {
+    std::map<std::string, int> servers; ///< with their types: VM_SERVER_VCENTER or a stand-alone host
+    std::vector<std::string> proxies;
+};
+
+// `master` is the master server that is asked, empty for the one of the suite's configuration. Both throw
+// InfoFailure: for a daemon that does not answer, and for a server or a proxy that nobody knows.
+
+TargetServers askServers(const std::string& master);
+/// The server and the backup host in their listed spelling, whatever the case of the names given. Listings of
+/// single places that fail leave their part of the tree empty.
+TargetTree askTarget(const std::string& server, const std::string& proxy, const std::string& master);
+
+} // namespace Zorvane

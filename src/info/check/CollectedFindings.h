@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include "frontend/veconfig.h"
+#include "resources/B2VInput.h"
+#include "resources/Finding.h"
+
+#include <vector>
+
+namespace Zorvane {
+
+/// All findings of a run, in their order, each once.
+class CollectedFindings : public Findings {
+  public:
+    CollectedFindings() : Findings(true) {}
+
+    [[nodiscard]] const std::vector<Finding>& all() const { return m_findings; }
+    [[nodiscard]] std::vector<Finding>& all() { return m_findings; }
+    [[nodiscard]] bool has(FindingKind kind) const;
+    [[nodiscard]] bool has(FindingKind kind, const std::string& value) const;
+    /// What zorb2v would stop at; null if it wouldn't.
+    [[nodiscard]] const Finding* firstThatBlocks() const;
+    [[nodiscard]] std::size_t count(Severity severity) const;
+
+    /// Names the line of the configuration file for each finding about a value of it.
+    void blameLines(const VEconfigLines& lines, const B2VInput& input);
+
+  private:
+    void take(const Finding& finding) override;
+
+    std::vector<Finding> m_findings;
+};
+
+} // namespace Zorvane

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+// What a drawing's cell says.
+#pragma once
+
+#include "info/layout/BarPlan.h"
+
+#include <string>
+#include <vector>
+
+namespace Zorvane {
+
+struct CellText {
+    std::string title; ///< where it is mounted, or its name
+    std::string names; ///< the other names of what covers these bytes, the uppermost first
+    std::string facts; ///< its kind, size and marks
+    std::string note;  ///< title and facts, for the line under a bar whose cell has no room
+    std::string hint;  ///< all that there is
+};
+
+CellText textOf(const Layout& layout, const BarCell& cell);
+
+/// The texts that are not empty, with a dot between them.
+std::string dotted(const std::vector<std::string>& texts);
+
+} // namespace Zorvane

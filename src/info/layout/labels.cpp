@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "info/layout/labels.h"
+
+#include "suite/printable.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdio>
+
+#include <wchar.h>
+
+namespace Zorvane {
+
+namespace {
+
+constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD";
+constexpr std::string_view ELLIPSIS = "\xE2\x80\xA6";
+
+struct Letter {
+    char32_t code = 0;
+    std::size_t length = 1; ///< bytes
+    bool isValid = false;
+};
+
+Letter letterAt(std::string_view text, std::size_t at) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char first = byte(at);
+    if (first < 0x80)
+        return {first, 1, true};
+    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    static constexpr char32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (first < 0xC2 || first > 0xF4 || at + length > text.size())
+        return {};
+    char32_t code = first & (0xFFU >> (length + 1));
+    for (std::size_t i = 1; i < length; ++i) {
+        if ((byte(at + i) & 0xC0) != 0x80)
+            return {};
+        code = code << 6 | (byte(at + i) & 0x3FU);
+    }
+    if (code < least[length] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
+        return {};
+    return {code, length, true};
+}
+
+// Beyond ASCII: controls, direction marks, separators of lines, and what XML has no place for.
+bool isHarmful(char32_t code) {
+    return (code >= 0x80 && code < 0xA0) || (code >= 0x200B && code <= 0x200F) ||
+           (code >= 0x2028 && code <= 0x202E) || (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF ||
+           (code & 0xFFFE) == 0xFFFE;
+}
+
+// "NTFS" is a name, "GPT_BASIC_DATA" is a word.
+std::string detailOf(const LayoutNode& node) {
+    std::string detail = shown(node.detail);
+    if (node.kind != LayoutKind::FileSystem && node.kind != LayoutKind::Disk &&
+        node.kind != LayoutKind::Hardware)
+        for (char& letter : detail)
+            letter =
+                letter == '_' ? ' ' : static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    return detail;
+}
+
+} // namespace
+
+std::string shown(std::string_view text, std::size_t limit) {
+    // Longer than any cut: no need to look at all of a text of megabytes.
+    const std::string clean = Suite::printable(text.substr(0, 4 * limit + 4));
+    std::string made;
+    std::size_t letters = 0, lastButOne = 0;
+    for (std::size_t at = 0; at < clean.size(); ++letters) {
+        if (letters == limit)
+            return made.substr(0, lastButOne) + std::string(ELLIPSIS);
+        lastButOne = made.size();
+        const Letter letter = letterAt(clean, at);
+        if (letter.isValid && !isHarmful(letter.code))
+            made += clean.substr(at, letter.length);
+        else
+            made += REPLACEMENT;
+        at += letter.length;
+    }
+    return made;
+}
+
+std::size_t lettersIn(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+    }));
+}
+
+std::size_t terminalColumns(std::string_view text) {
+    std::size_t columns = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        const Letter letter = letterAt(text, at);
+        const int width = ::wcwidth(static_cast<wchar_t>(letter.code));
+        columns += width < 0 ? 1 : static_cast<std::size_t>(width);
+        at += letter.length;
+    }
+    return columns;
+}
+
+std::string sizeText(std::int64_t bytes) {
+    static constexpr std::array units = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
+    double value = static_cast<double>(bytes);
+    std::size_t unit = 0;
+    // 1023.6 MiB would be shown as 1024.
+    while (value >= 1023.5 && unit + 1 < units.size()) {
+        value /= 1024;
+        ++unit;
+    }
+    std::array<char, 32> text{};
+    const bool isWhole = value >= 99.95 || value == static_cast<double>(static_cast<std::int64_t>(value));
+    std::snprintf(text.data(), text.size(), isWhole ? "%.0f %s" : "%.1f %s", value, units[unit]);
+    // A decimal of nothing says nothing.
+    std::string made = text.data();
+    if (const std::size_t zero = made.find(".0 "); zero != std::string::npos)
+        made.erase(zero, 2);
+    return made;
+}
+
+std::string sizeText(const std::optional<std::int64_t>& bytes) {
+    return bytes ? sizeText(*bytes) : std::string();
+}
+
+std::int64_t addSizes(std::int64_t a, std::int64_t b) {
+    std::int64_t sum = 0;
+    return __builtin_add_overflow(a, b, &sum) ? INT64_MAX : sum;
+}
+
+std::string titleOf(const LayoutNode& node) {
+    if (!node.name.empty())
+        return shown(node.name);
+    const std::string detail = detailOf(node);
+    return detail.empty() ? node.sort : detail;
+}
+
+std::string sortOf(const LayoutNode& node) {
+    const std::string detail = detailOf(node);
+    if (node.kind == LayoutKind::FileSystem)
+        return detail.empty() ? node.sort : detail;
+    return detail.empty() ? node.sort : node.sort + ", " + detail;
+}
+
+std::string flagsOf(const LayoutNode& node) {
+    std::vector<std::string> words;
+    for (std::size_t i = 0; i < LAYOUT_FLAGS; ++i) {
+        const auto flag = static_cast<LayoutFlag>(i);
+        if (!node.has(flag) || flag == LayoutFlag::Free)
+            continue;
+        words.emplace_back(nameOf(flag));
+        if (flag == LayoutFlag::Shared && !node.cluster.empty())
+            words.back() += " by " + shown(node.cluster);
+    }
+    return joined(words);
+}
+
+std::string joined(const std::vector<std::string>& texts) {
+    std::string made;
+    for (const std::string& text : texts)
+        made += (made.empty() ? "" : ", ") + text;
+    return made;
+}
+
+std::string headingOf(const Layout& layout) {
+    std::string heading = shown(layout.client);
+    if (!layout.configuration.empty())
+        heading += ", configuration " + shown(layout.configuration);
+    if (!layout.system.empty())
+        heading += " (" + shown(layout.system) + ")";
+    return heading;
+}
+
+std::string summaryOf(const Layout& layout) {
+    std::size_t disks = 0;
+    std::int64_t bytes = 0;
+    for (const LayoutNode& node : layout.nodes)
+        if (node.kind == LayoutKind::Disk) {
+            ++disks;
+            bytes = addSizes(bytes, node.size.value_or(0));
+        }
+    std::string text = std::to_string(disks) + (disks == 1 ? " disk, " : " disks, ") + sizeText(bytes);
+    constexpr std::size_t most = 4;
+    std::vector<std::string> names;
+    const auto booting = bootDisks(layout);
+    for (const std::size_t disk : booting)
+        if (names.size() < most)
+            names.push_back(titleOf(layout.nodes[disk]));
+    if (booting.size() > most)
+        names.push_back(std::to_string(booting.size() - most) + " more");
+    return text + (names.empty() ? "; nothing is marked to boot" : "; boots from " + joined(names));
+}
+
+std::vector<std::string> remarksOf(const Layout& layout) {
+    std::vector<std::string> remarks;
+    if (layout.leftOut > 0)
+        remarks.push_back(std::to_string(layout.leftOut) + " more objects are left out.");
+    if (layout.dangling > 0)
+        remarks.push_back(std::to_string(layout.dangling) +
+                          (layout.dangling == 1 ? " reference leads" : " references lead") +
+                          " to no row: the configuration is not whole.");
+    if (layout.target)
+        for (const std::string& disk : layout.target->unknownDisks)
+            remarks.push_back("The configuration file maps " + shown(disk) +
+                              ", which the client does not have.");
+    return remarks;
+}
+
+} // namespace Zorvane

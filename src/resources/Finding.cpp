@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "resources/Finding.h"
+
+namespace Zorvane {
+
+namespace {
+
+constexpr bool VALUE = true;
+constexpr bool NONE = false;
+
+constexpr FindingDescriptor DESCRIPTORS[] = {
+#define FINDING(NAME, IDENTIFIER, SEVERITY, MESSAGE, ARGUMENT, OBJECT, KEY)                                  \
+    {IDENTIFIER, Severity::SEVERITY, MESSAGE, ARGUMENT, OBJECT, KEY},
+#include "resources/findings.def"
+};
+
+} // namespace
+
+const FindingDescriptor& describe(FindingKind kind) {
+    return DESCRIPTORS[static_cast<std::size_t>(kind)];
+}
+
+std::span<const FindingDescriptor> allFindings() {
+    return DESCRIPTORS;
+}
+
+std::vector<std::string> messageArguments(const Finding& finding) {
+    if (!finding.arguments.empty())
+        return finding.arguments;
+    return describe(finding.kind).hasArgument ? std::vector{finding.value} : std::vector<std::string>();
+}
+
+} // namespace Zorvane

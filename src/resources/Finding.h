@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the rules of a conversion find, and where they report it. A run stops at the first finding that
+// blocks; who wants to know all of them lets the same rules go on.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace Zorvane {
+
+enum class Severity : std::uint8_t {
+    BLOCKS, ///< a conversion is refused for it
+    WARNS,
+    INFORMS,
+};
+
+enum class FindingKind : std::uint8_t {
+#define FINDING(NAME, IDENTIFIER, SEVERITY, MESSAGE, ARGUMENT, OBJECT, KEY) NAME,
+#include "resources/findings.def"
+};
+
+/// A kind of finding: a row of findings.def, which tells the columns.
+struct FindingDescriptor {
+    const char* identifier;
+    Severity severity;
+    std::uint64_t message;
+    bool hasArgument;
+    const char* object;
+    const char* key;
+};
+
+const FindingDescriptor& describe(FindingKind kind);
+/// All kinds, in the order of the declaration.
+std::span<const FindingDescriptor> allFindings();
+
+struct Finding {
+    FindingKind kind;
+    std::string value{}; ///< the name, the option, the path that it is about
+    /// What is wrong, where the catalogue's message doesn't tell it or there is none.
+    std::string text{};
+    std::string hint{};                    ///< a way out that only this case has
+    std::vector<std::string> candidates{}; ///< the names that exist
+    /// The rule could not be tried, for somebody did not answer. zorb2v takes it for broken then.
+    bool isUnanswered = false;
+    int line = 0; ///< of the configuration file, from 1; 0 if none is to blame
+    /// Of the catalogue's message, where they aren't the value alone.
+    std::vector<std::string> arguments{};
+};
+
+/// The arguments of the finding's catalogue message.
+std::vector<std::string> messageArguments(const Finding& finding);
+
+/// Where rules report. What is found goes to take(); whether the rule goes on is told to it at once.
+class Findings {
+  public:
+    explicit Findings(bool wantsAll) : m_wantsAll(wantsAll) {}
+    Findings(const Findings&) = delete;
+    Findings& operator=(const Findings&) = delete;
+    virtual ~Findings() = default;
+
+    /// Whether the rules behind this one are to be tried: not behind the first that blocks, unless all are
+    /// wanted.
+    bool report(const Finding& finding) {
+        take(finding);
+        return m_wantsAll || describe(finding.kind).severity != Severity::BLOCKS;
+    }
+    [[nodiscard]] bool wantsAll() const { return m_wantsAll; }
+
+  private:
+    virtual void take(const Finding& finding) = 0;
+
+    bool m_wantsAll;
+};
+
+/// Keeps what blocks, and stops there.
+class FirstFinding : public Findings {
+  public:
+    FirstFinding() : Findings(false) {}
+    [[nodiscard]] const std::optional<Finding>& finding() const { return m_finding; }
+
+  private:
+    void take(const Finding& finding) override {
+        if (describe(finding.kind).severity == Severity::BLOCKS)
+            m_finding = finding;
+    }
+
+    std::optional<Finding> m_finding;
+};
+
+} // namespace Zorvane

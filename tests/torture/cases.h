@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: Apache-2.0
+// The cases: what is wrong in which repetition.
+#pragma once
+
+#include "torture/Site.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Zorvane::Torture {
+
+struct Options {
+    int jobs = 2;
+    bool cuts = false;              ///< damaged connections instead of failing calls
+    std::size_t sample = 0;         ///< about as many cases, spread evenly; 0 for all
+    std::size_t allocations = 5000; ///< of a run, spread evenly, in the full torture
+    std::string only;               ///< the beginning of the names of the cases
+    bool verbose = false;
+};
+
+/// Throws std::runtime_error, with what is allowed, for an option that it doesn't know.
+Options readOptions(int argc, char** argv);
+
+struct Case {
+    std::string name;
+    std::size_t run = 0;
+    Environment environment{};
+    Damage damage{};
+    bool mustSucceed = false;
+    /// A client that waits for the rest of a document asks for it without end when its daemon is gone.
+    bool maySpin = false;
+};
+
+/// What a model can't see of its own run: the profile that it made and removed again.
+void completeModels(std::vector<Model>& models);
+
+/// In a fixed order.
+std::vector<Case> makeCases(const std::vector<Model>& models, const Options& options);
+
+} // namespace Zorvane::Torture
