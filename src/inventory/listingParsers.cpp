@@ -49,6 +49,11 @@ void eachChild(XmlParser& document, Visit visit) {
     }
 }
 
+bool holdsDatastores(std::string_view tag) {
+    return tag == "Folder" || tag == "Datacenter" || tag == "Datastore" || tag == "StoragePod" ||
+           tag == "HostMachinesProxyView";
+}
+
 void readDatastores(XmlParser& document, std::map<std::string, long long>& stores, std::string& name,
                     Trace& trace) {
     eachChild(document, [&](std::string_view tag) {
@@ -60,8 +65,7 @@ void readDatastores(XmlParser& document, std::map<std::string, long long>& store
             const long long free = std::strtoll(bytes.c_str(), nullptr, 10) / BYTES_PER_MB;
             stores[name] = free;
             trace.write(LEVEL_TRACE, " ObjName=", name, " freeMem=", free);
-        } else if (tag == "Folder" || tag == "Datacenter" || tag == "Datastore" || tag == "StoragePod" ||
-                   tag == "HostMachinesProxyView") {
+        } else if (holdsDatastores(tag)) {
             readDatastores(document, stores, name, trace);
         }
     });
@@ -148,7 +152,8 @@ int CZorb2vKvnrdConnect::parseDatastoreTree(XmlParser& document, std::map<std::s
         return 1;
     // A free space belongs to the name read last before it, wherever in the tree that stood; this stays so.
     std::string name;
-    readDatastores(document, stores, name, trace);
+    if (holdsDatastores(document.getRootName()))
+        readDatastores(document, stores, name, trace);
     return 0;
 }
 

@@ -44,14 +44,6 @@ Log<Shared>::~Log() {
 }
 
 template <bool Shared>
-bool Log<Shared>::passesDebug(mrthLogDebugLevel_t level) noexcept {
-    if (m_status != 0)
-        return false;
-    mrthDynaLoadConfig(&m_handle);
-    return m_handle.debugLevel >= level;
-}
-
-template <bool Shared>
 bool Log<Shared>::passesDiag(mrthLogDebugLevel_t level) noexcept {
     if (m_status != 0)
         return false;
@@ -64,6 +56,8 @@ mrthLogResult_t Log<Shared>::WriteDebugMsg(mrthLogFlags_t flags, mrthLogDebugLev
                                            std::span<const L10N::LogValue> values) noexcept {
     if (m_status != 0)
         return NotOpen;
+    if (!passesDebug(level))
+        return 0;
     try {
         return fillAndWrite(DebugMsg(m_handle, label, level), values,
                             [&](Msg& message) { return write(flags, message); });
@@ -136,14 +130,6 @@ CZorLog::CZorLog(std::uint64_t productId, std::uint64_t originatorId, std::uint6
 CZorLog::~CZorLog() {
     m_log.reset();
     mrthLogFreeCfg(&m_cfg);
-}
-
-mrthLogResult_t CZorLog::openStatus() const noexcept {
-    return m_log ? m_log->status() : Log<false>::NotOpen;
-}
-
-bool CZorLog::passesDebug(mrthLogDebugLevel_t level) const noexcept {
-    return m_enabled && m_log && m_log->passesDebug(level);
 }
 
 void CZorLog::startMirror(const std::string& name) {

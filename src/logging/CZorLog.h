@@ -41,11 +41,15 @@ class Log {
 
     /// Picks up a changed configuration and tests a level; nothing is formatted for a statement that fails
     /// it.
-    [[nodiscard]] bool passesDebug(mrthLogDebugLevel_t level) noexcept;
+    [[nodiscard]] bool passesDebug(mrthLogDebugLevel_t level) noexcept {
+        if (m_status != 0)
+            return false;
+        mrthDynaLoadConfig(&m_handle);
+        return m_handle.debugLevel >= level;
+    }
     [[nodiscard]] bool passesDiag(mrthLogDebugLevel_t level) noexcept;
 
-    /// 0 written or filtered out, 1 not open, 3 the message could not be built, or the library's result. The
-    /// level of a debug message was tested by the caller, who then made the values ready.
+    /// 0 written or filtered out, 1 not open, 3 the message could not be built, or the library's result.
     mrthLogResult_t WriteDebugMsg(mrthLogFlags_t flags, mrthLogDebugLevel_t level, const char* label,
                                   std::span<const L10N::LogValue> values) noexcept;
     mrthLogResult_t WriteDiagMsg(mrthLogFlags_t flags, mrthLogDebugLevel_t level, const char* label,
@@ -84,23 +88,26 @@ class CZorLog {
     CZorLog& operator=(const CZorLog&) = delete;
     virtual ~CZorLog();
 
-    [[nodiscard]] mrthLogResult_t openStatus() const noexcept;
+    [[nodiscard]] mrthLogResult_t openStatus() const noexcept {
+        return m_log ? m_log->status() : Mirathi::Logging::Log<false>::NotOpen;
+    }
     void enable() noexcept { m_enabled = true; }
     void disable() noexcept { m_enabled = false; }
     /// The configured level, not the live one: it is passed on to the request daemon as its verbosity.
     [[nodiscard]] int getDebugLevel() const noexcept { return m_cfg.debugLevel; }
 
     /// True if a debug statement of this level would be written now.
-    [[nodiscard]] bool passesDebug(mrthLogDebugLevel_t level) const noexcept;
+    [[nodiscard]] bool passesDebug(mrthLogDebugLevel_t level) const noexcept {
+        return m_enabled && m_log && m_log->passesDebug(level);
+    }
 
     /// A debug message: the values joined as they come. A null or empty text adds nothing.
     template <class... Values>
     mrthLogResult_t WriteDebugMsg(mrthLogFlags_t flags, mrthLogDebugLevel_t level, const char* label,
                                   const Values&... values) noexcept {
-        if (!passesDebug(level))
+        if (!passesDebug(level)) [[likely]]
             return isOpen() ? 0 : Mirathi::Logging::Log<false>::NotOpen;
-        const Mirathi::L10N::LogValue cells[] = {Mirathi::L10N::LogValue(values)..., nullptr};
-        return m_log->WriteDebugMsg(flags, level, label, std::span(cells, sizeof...(values)));
+        return writeDebug(flags, level, label, values...);
     }
 
     /// A catalogue message for the administrator, with up to as many arguments as its text has places.
@@ -128,6 +135,14 @@ class CZorLog {
 
   private:
     [[nodiscard]] bool isOpen() const noexcept { return m_enabled && openStatus() == 0; }
+    // Apart, so that a silent statement is a few instructions at its place and no more.
+    template <class... Values>
+    [[gnu::noinline, gnu::cold]] mrthLogResult_t writeDebug(mrthLogFlags_t flags, mrthLogDebugLevel_t level,
+                                                            const char* label,
+                                                            const Values&... values) noexcept {
+        const Mirathi::L10N::LogValue cells[] = {Mirathi::L10N::LogValue(values)..., nullptr};
+        return m_log->WriteDebugMsg(flags, level, label, std::span(cells, sizeof...(values)));
+    }
     mrthLogResult_t writeDiag(mrthLogFlags_t flags, mrthLogDebugLevel_t level, const char* label,
                               std::uint64_t messageId,
                               std::span<const Mirathi::L10N::LogValue> values) noexcept;

@@ -79,8 +79,14 @@ XmlParser::XmlParser(const unsigned char* buffer, int bufferLen) {
         logXmlException(trace, exception);
         return;
     }
-    if (parse(buffer, bufferLen) != 0)
+    if (parse(buffer, bufferLen) != 0 || !isWritable())
         m_pXmlParserImpl.reset();
+}
+
+// Whatever is read can be written again, but for characters that only a document of version 1.1 may hold.
+bool XmlParser::isWritable() {
+    const XMLCh* const version = m_pXmlParserImpl->m_pDoc->getXmlVersion();
+    return !XMLString::equals(version, XMLUni::fgVersion1_1) || write() == 0;
 }
 
 XmlParser::~XmlParser() = default;

@@ -157,6 +157,7 @@ class XmlParser {
     /// The state; null, and a line in the log, for an object that could not be set up.
     XmlParserImpl* usable(const char* label) const;
     const std::string* textOrNull(const XmlName* name);
+    bool isWritable();
 
     std::unique_ptr<XmlParserImpl> m_pXmlParserImpl;
 };

@@ -21,11 +21,11 @@ inline int networkFailure(Trace& trace, const char* what) {
     return trace.leave<int>(ZOROP_NETWORK_FAILURE, ", return ZOROP_NETWORK_FAILURE");
 }
 
-/// Sends all bytes; false at the first failure. A length of 0 or less has none.
+/// Sends all bytes; false at the first failure: a peer that hangs up is one, and no signal. A length of 0 or less has none.
 inline bool sendAll(int descriptor, const void* bytes, int length) {
     const auto* place = static_cast<const unsigned char*>(bytes);
     while (length > 0) {
-        const ssize_t sent = ::send(descriptor, place, static_cast<std::size_t>(length), 0);
+        const ssize_t sent = ::send(descriptor, place, static_cast<std::size_t>(length), MSG_NOSIGNAL);
         if (sent < 0)
             return false;
         place += sent;

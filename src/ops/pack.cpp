@@ -107,7 +107,7 @@ class FieldWalk {
         if (!field)
             return false;
         const auto isAtText = [&] {
-            return room() != 0 && (m_direction == Direction::ToBuffer ? *field != '\0' : *m_place != 0);
+            return m_direction == Direction::ToBuffer ? *field != '\0' : room() != 0 && *m_place != 0;
         };
         for (; count > 0 || isAtText(); count -= count > 0 ? 1 : 0) {
             const std::size_t size = copyText(field);

@@ -87,8 +87,8 @@ int SendPacket(int descriptor, const PacketHeader& record) {
             auto size = static_cast<std::uint16_t>(length);
             Pack(buffer.data() + offsetof(PacketHeader, len), nullptr, "s", {&size});
         }
-        length =
-            static_cast<std::int16_t>(::send(descriptor, buffer.data(), static_cast<std::size_t>(length), 0));
+        length = static_cast<std::int16_t>(
+            ::send(descriptor, buffer.data(), static_cast<std::size_t>(length), MSG_NOSIGNAL));
     }
     return trace.leave(length, ", return rc=", length);
 }

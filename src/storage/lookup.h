@@ -53,6 +53,19 @@ template <class Getter, class Record, class Value>
 concept Reads = std::invocable<Getter, const Record&> &&
     std::equality_comparable_with<std::remove_cvref_t<std::invoke_result_t<Getter, const Record&>>, Value>;
 
+/// Rows stand apart in memory, and a walk over many of them is mostly a wait for it: calls `see` with each
+/// row, null elements too, while `expect` gives the address in a later row that `see` is going to read.
+template <class Rows, class Expect, class See>
+void Walk(const Rows& rows, Expect expect, See see) {
+    constexpr std::ptrdiff_t ahead = 16; // that many rows' work is longer than a wait
+    const auto last = rows.end();
+    for (auto row = rows.begin(); row != last; ++row) {
+        if (last - row > ahead && row[ahead])
+            __builtin_prefetch(expect(*row[ahead]));
+        see(*row);
+    }
+}
+
 /// The container's rows of a class.
 template <Stored Record>
 const RecordRows<Record>& Rows(const CZor& zor) {
@@ -122,9 +135,9 @@ bool HasEqual(const RecordRows<Record>& rows, const Record& record, Getters... i
            }) != nullptr;
 }
 
-/// The identifier that a record holds of the other table's row.
+/// What a record holds of the other table's row.
 template <RecordClass Target, RecordClass Record>
-ID ReferenceTo(const Record& record) {
+const Reference& ReferenceField(const Record& record) {
     static const Field& reference = []() -> const Field& {
         const auto& fields = Record::table().fields;
         const auto found = std::find_if(fields.begin(), fields.end(), [](const Field& field) {
@@ -134,7 +147,13 @@ ID ReferenceTo(const Record& record) {
         assert(found != fields.end());
         return *found;
     }();
-    return (record.*reference.reference).id;
+    return record.*reference.reference;
+}
+
+/// The identifier that a record holds of the other table's row.
+template <RecordClass Target, RecordClass Record>
+ID ReferenceTo(const Record& record) {
+    return ReferenceField<Target>(record).id;
 }
 
 /// The rows that refer to an owner.
@@ -171,14 +190,15 @@ std::vector<Record*> FindReferring(const CZor& zor, const std::vector<Owner*>& o
                    [](const Owner* owner) { return owner->getId(); });
     IdMap<ChainEnds> ends(ids);
     std::vector<ChainLink<Record>> links;
-    for (Record* row : Rows<Record>(zor)) {
+    const auto addressOfReference = [](const Record& row) { return &ReferenceField<Owner>(row); };
+    Walk(Rows<Record>(zor), addressOfReference, [&](Record* row) {
         ChainEnds* owned = row ? ends.find(ReferenceTo<Owner>(*row)) : nullptr;
         if (!owned)
-            continue;
+            return;
         (owned->first == NO_LINK ? owned->first : links[owned->last].next) = links.size();
         owned->last = links.size();
         links.push_back({row, NO_LINK});
-    }
+    });
     std::vector<Record*> found;
     found.reserve(links.size());
     for (const ID id : ids)
@@ -198,13 +218,18 @@ template <Stored Target, RecordClass Record>
 std::vector<Target*> FindReferred(const CZor& zor, const std::vector<Record*>& records) {
     // One pass over the targets, however many records there are; the first row of an identifier counts.
     std::vector<ID> ids;
-    std::transform(records.begin(), records.end(), std::back_inserter(ids),
-                   [](const Record* record) { return ReferenceTo<Target>(*record); });
+    ids.reserve(records.size());
+    Walk(
+        records, [](const Record& record) { return &ReferenceField<Target>(record); },
+        [&](const Record* record) { ids.push_back(ReferenceTo<Target>(*record)); });
     IdMap<Target*> targets(ids);
-    for (Target* row : Rows<Target>(zor))
-        if (row)
-            if (Target** place = targets.find(row->getId()); place && !*place)
-                *place = row;
+    Walk(
+        Rows<Target>(zor), [](const Target& row) { return &row; },
+        [&](Target* row) {
+            if (row)
+                if (Target** place = targets.find(row->getId()); place && !*place)
+                    *place = row;
+        });
     std::vector<Target*> found;
     for (const ID id : ids)
         if (Target* target = std::exchange(*targets.find(id), nullptr))

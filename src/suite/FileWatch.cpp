@@ -30,8 +30,8 @@ constexpr int LEAST_DESCRIPTOR = 200;
 
 constexpr int MAX_LINKS = 40; // as the kernel has it
 
-constexpr std::uint32_t FOLDER_EVENTS =
-    IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+constexpr std::uint32_t FOLDER_EVENTS = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_ATTRIB |
+                                        IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 constexpr std::uint32_t FILE_EVENTS = IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF;
 
 // File systems that only this machine writes to, so that its kernel sees every change.
@@ -120,7 +120,8 @@ void FileWatch::countChange(int) noexcept {
 void FileWatch::startOverInChild() noexcept {
     if (!s_watch || s_watch->m_queue < 0)
         return;
-    ::close(s_watch->m_queue);
+    if (s_watch->isOpen())
+        ::close(s_watch->m_queue);
     s_watch->m_queue = -1;
     countChange(SIGNAL);
 }

@@ -7,7 +7,6 @@
 #include "suite/kvnclient.h"
 
 #include <cerrno>
-#include <csignal>
 #include <map>
 #include <memory>
 #include <optional>
@@ -24,14 +23,6 @@
 namespace {
 
 using Zorvane::Suite::Descriptor;
-
-// A peer that hangs up has to be a failed send and no silent end. A program that handles the signal keeps it.
-void ignoreBrokenPipes() {
-    struct sigaction current {};
-    if (::sigaction(SIGPIPE, nullptr, &current) == 0 && !(current.sa_flags & SA_SIGINFO) &&
-        current.sa_handler == SIG_DFL)
-        ::signal(SIGPIPE, SIG_IGN);
-}
 
 std::optional<std::uint16_t> portOf(const char* service) {
     const auto& services = Zorvane::Suite::configuration().services;
@@ -88,7 +79,6 @@ bool connectTo(int socket, const addrinfo& address) {
 
 int kvlink_connect_to_service(const char* host, const char* service, int, int, int, int, int* descriptor) {
     *descriptor = -1;
-    ignoreBrokenPipes();
     if (!host || !*host)
         return KVN_STATUS_UNKNOWN_HOST;
     const auto port = service ? portOf(service) : std::nullopt;

@@ -52,17 +52,22 @@ TEST(ListingParsers, readWhatTheyKnow) {
         {networks, "<L><N Name='1'/><M Name='2'/></L>", "1;2;"},
         {flat, "<L><D Name='d' AvailableMBytes='5000000000'/></L>", "d=5000000000;"},
 
-        {stores, "<V><Datastore><Name>d</Name><Freespace>1048575</Freespace></Datastore></V>", "d=0;"},
+        {stores, "<Folder><Datastore><Name>d</Name><Freespace>1048575</Freespace></Datastore></Folder>",
+         "d=0;"},
         {stores,
-         "<V><Datacenter><Name>dc</Name><StoragePod><Name>pod</Name><Freespace>3145728</Freespace>"
+         "<HostMachinesProxyView><Datacenter><Name>dc</Name><StoragePod><Name>pod</Name><Freespace>3145728</"
+         "Freespace>"
          "<Datastore><Name>d1</Name><Type>x</Type><Freespace>10995116277760</Freespace></Datastore>"
          "</StoragePod><HostMachinesProxyView><Folder><Datastore><Name>d2</Name>"
-         "<Freespace>2097152</Freespace></Datastore></Folder></HostMachinesProxyView></Datacenter></V>",
+         "<Freespace>2097152</Freespace></Datastore></Folder></HostMachinesProxyView></Datacenter></"
+         "HostMachinesProxyView>",
          "d1=10485760;d2=2;pod=3;"},
-        {stores, "<V><Other><Name>o</Name><Freespace>1048576</Freespace></Other></V>", ""},
+        {stores, "<Folder><Other><Name>o</Name><Freespace>1048576</Freespace></Other></Folder>", ""},
+        {stores, "<V><Datastore><Name>d</Name><Freespace>1048576</Freespace></Datastore></V>", ""},
         // A free space goes to the name read last, wherever that stood.
         {stores,
-         "<V><Folder><Name>f</Name></Folder><Datastore><Freespace>1048576</Freespace></Datastore></V>",
+         "<Folder><Folder><Name>f</Name></Folder><Datastore><Freespace>1048576</Freespace></Datastore></"
+         "Folder>",
          "f=1;"},
 
         {hosts, "<R Type='3'><Name>root</Name></R>", ""},

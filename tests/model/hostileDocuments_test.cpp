@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Documents that would reach out of themselves, or grow without end.
 #include "logging/CZorLog.h"
+#include "model/CZor.h"
 #include "model/XmlParser.h"
 #include "suite/Scratch.h"
 
@@ -146,6 +147,19 @@ TEST(HostileDocuments, DepthAndLengthHaveABoundThatIsTold) {
 }
 
 // Long in every other way is a document like any other.
+TEST(HostileDocuments, WhatCouldNotBeWrittenAgainIsNotRead) {
+    for (const auto& [version, expected] : {std::pair{"1.0", 0}, std::pair{"1.1", 1}}) {
+        const std::string character = expected ? "&#1;" : "&#9;";
+        std::string text = std::string("<?xml version=\"") + version + "\"?><ZorData><Config><Name>a" +
+                           character + "b</Name></Config></ZorData>";
+        CZor zor;
+        EXPECT_EQ(zor.readXml(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()),
+                              FOR_ALL),
+                  expected)
+            << text;
+    }
+}
+
 TEST(HostileDocuments, LongPartsAreRead) {
     const std::string million(1'000'000, 'x');
     EXPECT_EQ(resultOf("<a>" + million + "</a>"), 0);

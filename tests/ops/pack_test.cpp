@@ -62,6 +62,7 @@ TEST(pack, textsAndRuns) {
     EXPECT_EQ(packText("X", S("a"), &two), S("a") + S("") + S("")) << "but not among the counted";
     EXPECT_EQ(packText("X", S("a") + S("") + S("c"), &two), S("a") + S("") + S("c") + S(""));
     EXPECT_EQ(packText("X", whole + 'x'), "refused");
+    EXPECT_EQ(packText("X", S(whole) + S("b")), "refused") << "not cut in silence";
     EXPECT_EQ(packText("X", whole), S(whole) + S("")) << "the last NUL is one byte beyond the budget";
 }
 

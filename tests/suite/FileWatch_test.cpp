@@ -198,6 +198,23 @@ TEST(FileWatch, childrenWatchOnTheirOwnAndProgramsInheritNothing) {
     EXPECT_EQ(std::system(("test ! -e /proc/self/fd/" + std::to_string(queueOf())).c_str()), 0);
 }
 
+TEST(FileWatch, childrenLeaveAForeignDescriptorUnderItsNumberOpen) {
+    const Scratch scratch(1);
+    Channel channel;
+    ASSERT_TRUE(channel.isWatched());
+    const int number = queueOf();
+    const int foreign = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::dup2(foreign, number), number);
+    const pid_t child = ::fork();
+    if (child == 0)
+        ::_exit(::fcntl(number, F_GETFD) < 0 ? 1 : 0);
+    int status = 1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    ::close(number);
+    ::close(foreign);
+}
+
 TEST(FileWatch, whereItCantWatchEachStatementLooks) {
     struct sigaction handled {};
     handled.sa_handler = [](int) {};
