@@ -56,6 +56,14 @@ struct MachineCapture {
         return *row.release();
     }
 
+    /// The value, with a line "thing: why it isn't told" among what is left out if it is empty or 0.
+    template <class Value>
+    Value told(Value value, std::string line) {
+        if (value == Value{})
+            leftOut.push_back(std::move(line));
+        return value;
+    }
+
     /// A small file below the root, without the line end behind it; empty if it can't be read.
     [[nodiscard]] std::string file(const std::string& name) const;
     [[nodiscard]] std::vector<std::string> lines(const std::string& name) const;
@@ -74,6 +82,8 @@ struct MachineCapture {
 
 /// Blank-separated words.
 std::vector<std::string> wordsOf(const std::string& text);
+/// The number that a text begins with; 0 for none.
+int leadingNumber(std::string_view text);
 
 // The parts, in this order: each uses the rows of those before.
 void captureSystem(MachineCapture& capture);

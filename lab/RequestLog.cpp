@@ -9,7 +9,11 @@
 
 namespace Zorvane {
 
-RequestLog::RequestLog(const std::filesystem::path& file) : m_out(file, std::ios::trunc) {
+// Made new, then written at its end wherever that is: who empties the file while it is served finds no hole
+// in it.
+RequestLog::RequestLog(const std::filesystem::path& file) {
+    const std::ofstream emptied(file, std::ios::trunc);
+    m_out.open(file, std::ios::app);
     if (!m_out)
         throw LabError("cannot write " + file.string() + ": " + std::strerror(errno));
 }

@@ -2,9 +2,11 @@
 #include "lab/capture.h"
 
 #include "lab/MachineCapture.h"
+#include "lab/rows.h"
 #include "platform/zorSystemCommon.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -64,6 +66,33 @@ std::int64_t memorySize(const MachineCapture& capture) {
     return 0;
 }
 
+// EMPTY where the machine doesn't tell.
+FirmwareType firmware(const MachineCapture& capture) {
+    if (!capture.exists("sys/firmware"))
+        return FirmwareType::EMPTY;
+    return capture.isUefi() ? FirmwareType::UEFI : FirmwareType::BIOS;
+}
+
+// What XML has no place for: it would break off the document.
+bool replaceControlCharacters(std::string& text) {
+    const std::string original = text;
+    for (const std::string_view none : {"\xEF\xBF\xBE", "\xEF\xBF\xBF"}) // U+FFFE, U+FFFF
+        for (std::size_t at = 0; (at = text.find(none, at)) != std::string::npos;)
+            text.replace(at, none.size(), "_");
+    std::ranges::replace_if(
+        text, [](unsigned char c) { return (c < ' ' && c != '\t' && c != '\n') || c == 0x7f; }, '_');
+    return text != original;
+}
+
+void replaceControlCharacters(MachineCapture& capture) {
+    forEachRow(capture.rows, [&capture](const TableDescriptor& table, BaseTable& row) {
+        for (const Field& field : table.fields)
+            if (field.kind == FieldKind::Text && replaceControlCharacters(row.*field.text))
+                capture.leftOut.push_back(std::string(table.name) + " " + field.name +
+                                          ": control characters, which are \"_\" in " + row.*field.text);
+    });
+}
+
 } // namespace
 
 std::vector<std::string> wordsOf(const std::string& text) {
@@ -72,6 +101,12 @@ std::vector<std::string> wordsOf(const std::string& text) {
     for (std::string word; stream >> word;)
         words.push_back(word);
     return words;
+}
+
+int leadingNumber(std::string_view text) {
+    int number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
 }
 
 std::string MachineCapture::file(const std::string& name) const {
@@ -133,29 +168,36 @@ void captureSystem(MachineCapture& capture) {
     auto& config = capture.add(capture.rows.m_vConfig);
     capture.config = config.getId();
     config.setName("current");
-    config.setClientName(capture.file("proc/sys/kernel/hostname"));
+    config.setClientName(capture.told(capture.file("proc/sys/kernel/hostname"),
+                                      "the client's name: /proc/sys/kernel/hostname tells none"));
     config.setType(ConfigType::DISCOVERED);
     config.setRetrievalTime(capture.machine.time);
     config.setCreateTime(capture.machine.time);
     config.setSaveTime(capture.machine.time);
-    if (config.getClientName().empty())
-        capture.leftOut.push_back("the client's name: /proc/sys/kernel/hostname tells none");
 
     auto& system = capture.add(capture.rows.m_vSystem);
     system.setConfigId(config.getId());
     system.setHostname(capture.hostName());
     system.setOs(OsType::LINUX);
-    system.setOsLevel(capture.setting("etc/os-release", "VERSION_ID"));
-    system.setOsQualifier(capture.setting("etc/os-release", "ID"));
-    system.setKernelVersion(capture.file("proc/sys/kernel/osrelease"));
-    system.setArchitecture(architecture(capture));
-    system.setConsole(capture.file("sys/class/tty/console/active"));
-    for (const char* file : {"etc/locale.conf", "etc/default/locale"})
-        if (system.getLanguage().empty())
-            system.setLanguage(capture.setting(file, "LANG"));
-    system.setFirmware(capture.isUefi() ? FirmwareType::UEFI : FirmwareType::BIOS);
-    system.setNumberOfCPUs(processorCount(capture));
-    system.setTotalPhysicalMemorySize(memorySize(capture));
+    system.setOsLevel(capture.told(capture.setting("etc/os-release", "VERSION_ID"),
+                                   "the system's level: /etc/os-release tells no VERSION_ID"));
+    system.setOsQualifier(capture.told(capture.setting("etc/os-release", "ID"),
+                                       "the system's kind: /etc/os-release tells no ID"));
+    system.setKernelVersion(capture.told(capture.file("proc/sys/kernel/osrelease"),
+                                         "the kernel's version: /proc/sys/kernel/osrelease tells none"));
+    system.setArchitecture(capture.told(architecture(capture), "the architecture: the kernel tells none"));
+    system.setConsole(capture.told(capture.file("sys/class/tty/console/active"),
+                                   "the console: /sys/class/tty/console/active tells none"));
+    std::string language = capture.setting("etc/locale.conf", "LANG");
+    if (language.empty())
+        language = capture.setting("etc/default/locale", "LANG");
+    system.setLanguage(
+        capture.told(language, "the language: /etc/locale.conf and /etc/default/locale tell no LANG"));
+    system.setFirmware(capture.told(firmware(capture), "the firmware: /sys/firmware can't be read"));
+    system.setNumberOfCPUs(
+        capture.told(processorCount(capture), "the number of processors: /proc/cpuinfo tells none"));
+    system.setTotalPhysicalMemorySize(
+        capture.told(memorySize(capture), "the memory's size: /proc/meminfo tells none"));
 
     auto& volumeInfo = capture.add(capture.rows.m_vVolumeInfo);
     volumeInfo.setConfigId(config.getId());
@@ -178,6 +220,7 @@ std::vector<std::string> captureMachine(const MachineSources& machine, CZor& row
     captureVolumes(capture);
     captureFileSystems(capture);
     captureBootLoader(capture);
+    replaceControlCharacters(capture);
     return capture.leftOut;
 }
 

@@ -90,6 +90,11 @@ void addDisk(MachineCapture& capture, BlockDevice& disk) {
     auto& row = capture.add(capture.rows.m_vLinuxDisk);
     disk.row = row.getId();
     const std::string table = disk.text("pttype");
+    const bool hasPartitions = std::ranges::any_of(capture.devices, [&disk](const auto& device) {
+        return device->type == "part" && std::ranges::find(device->parents, &disk) != device->parents.end();
+    });
+    if (table.empty() && hasPartitions)
+        capture.leftOut.push_back(disk.path() + ": its partition table's kind, which lsblk doesn't tell");
     row.setType("disk");
     row.setDiskType(busOf(disk));
     row.setLabel(table);
@@ -102,7 +107,7 @@ void addDisk(MachineCapture& capture, BlockDevice& disk) {
         row.setScsiId(parts[2]);
         row.setScsiLun(parts[3]);
     }
-    row.setHasPartitionTable(!table.empty());
+    row.setHasPartitionTable(!table.empty() || hasPartitions);
     // The geometry that partition tables have counted by since disks have none of their own.
     const auto sector = static_cast<int>(std::clamp<std::int64_t>(disk.number("log-sec"), 512, 4096));
     row.setHeads(HEADS);
@@ -122,12 +127,20 @@ void addDisk(MachineCapture& capture, BlockDevice& disk) {
 }
 
 void addPartition(MachineCapture& capture, BlockDevice& partition) {
+    const auto disk = std::ranges::find_if(partition.parents, [](const BlockDevice* parent) {
+        return parent->type == "disk" && parent->row != 0;
+    });
+    if (disk == partition.parents.end()) {
+        capture.leftOut.push_back(partition.path() + ": a part of what is no disk of this machine");
+        return;
+    }
     const std::string folder = "sys/class/block/" + partition.kernelName;
     if (!capture.exists(folder + "/start")) {
         capture.leftOut.push_back(partition.path() + ": a partition that /sys tells no place of");
         return;
     }
-    const std::string type = partition.text("parttype");
+    const std::string type = capture.told(
+        partition.text("parttype"), partition.path() + ": its type and flags, which lsblk doesn't tell");
     const bool isDos = type.starts_with("0x");
     const std::int64_t identifier = isDos ? std::strtoll(type.c_str(), nullptr, 16) : 0;
     const std::int64_t start =
@@ -153,11 +166,7 @@ void addPartition(MachineCapture& capture, BlockDevice& partition) {
             flags += (flags.empty() ? "" : ",") + std::string(known.flags);
     row.setFlags(flags);
     row.setPartitionIdentifier(static_cast<std::int32_t>(identifier));
-    const auto disk = std::ranges::find(partition.parents, "disk", &BlockDevice::type);
-    if (disk != partition.parents.end())
-        row.setLinuxDiskId((*disk)->row);
-    else
-        capture.leftOut.push_back(partition.path() + ": the device that it is a part of, which is no disk");
+    row.setLinuxDiskId((*disk)->row);
 }
 
 // The drivers of the hosts that disks hang from, in the hosts' order.
@@ -204,8 +213,8 @@ bool BlockDevice::flag(const char* column) const {
 std::pair<int, int> BlockDevice::deviceNumber() const {
     const std::string numbers = text("maj:min");
     const std::size_t colon = numbers.find(':');
-    return {std::atoi(numbers.c_str()),
-            colon == std::string::npos ? 0 : std::atoi(numbers.c_str() + colon + 1)};
+    return {leadingNumber(numbers),
+            colon == std::string::npos ? 0 : leadingNumber(numbers.substr(colon + 1))};
 }
 
 void captureDisks(MachineCapture& capture) {

@@ -15,6 +15,7 @@ namespace {
 struct Mount {
     std::string device, place, type, options;
     int frequency = 0, pass = 0;
+    std::string root{}; ///< what of the file system is mounted there; only the kernel tells
 };
 
 // Blanks in names are written as "\040".
@@ -32,14 +33,16 @@ std::string unescaped(const std::string& text) {
     return plain;
 }
 
-std::vector<Mount> mountsIn(const MachineCapture& capture, const std::string& file) {
+std::vector<Mount> tableOfMounts(MachineCapture& capture) {
     std::vector<Mount> mounts;
-    for (const std::string& line : capture.lines(file)) {
+    for (const std::string& line :
+         capture.told(capture.lines("etc/fstab"),
+                      "what is mounted when the machine starts: /etc/fstab tells nothing")) {
         const std::vector<std::string> words = wordsOf(line);
         if (words.size() < 4 || words[0].starts_with('#'))
             continue;
         const auto number = [&](std::size_t word) {
-            return words.size() > word ? std::atoi(words[word].c_str()) : 0;
+            return words.size() > word ? leadingNumber(words[word]) : 0;
         };
         mounts.push_back(
             {unescaped(words[0]), unescaped(words[1]), words[2], words[3], number(4), number(5)});
@@ -47,11 +50,39 @@ std::vector<Mount> mountsIn(const MachineCapture& capture, const std::string& fi
     return mounts;
 }
 
+// "26 22 9:0 /part /place rw,relatime shared:1 - ext4 /dev/md0 rw,discard": the options of the place, then
+// those of the file system, which begin with "rw" or "ro" both.
+std::vector<Mount> kernelMounts(MachineCapture& capture) {
+    std::vector<Mount> mounts;
+    for (const std::string& line : capture.told(capture.lines("proc/self/mountinfo"),
+                                                "what is mounted now: /proc/self/mountinfo can't be read")) {
+        const std::vector<std::string> words = wordsOf(line);
+        const auto dash = std::ranges::find(words, "-");
+        if (dash - words.begin() < 6 || words.end() - dash < 4)
+            continue;
+        std::string options = words[5];
+        if (dash[3].starts_with("ro"))
+            options.replace(0, 2, "ro");
+        options += dash[3].substr(std::min<std::size_t>(dash[3].size(), 2));
+        mounts.push_back(
+            {unescaped(dash[2]), unescaped(words[4]), dash[1], options, 0, 0, unescaped(words[3])});
+    }
+    return mounts;
+}
+
+std::vector<std::string> split(std::string options) {
+    std::ranges::replace(options, ',', ' ');
+    return wordsOf(options);
+}
+
+bool hasOption(const std::string& options, const std::string& name) {
+    const std::vector<std::string> all = split(options);
+    return std::ranges::find(all, name) != all.end();
+}
+
 // The value of a mount option; empty without it.
 std::string optionValue(const std::string& options, const std::string& name) {
-    std::string list = options;
-    std::ranges::replace(list, ',', ' ');
-    for (const std::string& option : wordsOf(list))
+    for (const std::string& option : split(options))
         if (option.starts_with(name + "="))
             return option.substr(name.size() + 1);
     return {};
@@ -67,9 +98,7 @@ FileSystemType typeOf(std::string name) {
 class FileSystems {
   public:
     explicit FileSystems(MachineCapture& capture)
-        : m_capture(capture),
-          m_table(mountsIn(capture, "etc/fstab")),
-          m_mounted(mountsIn(capture, "proc/mounts")) {}
+        : m_capture(capture), m_table(tableOfMounts(capture)), m_mounted(kernelMounts(capture)) {}
 
     void run() {
         for (const auto& device : m_capture.devices)
@@ -112,24 +141,26 @@ class FileSystems {
         row.setType(type);
         row.setLabel(device.text("label"));
         row.setLength(device.size());
-        row.setAvailableSpace(device.number("fsavail"));
-        row.setUuid(device.text("uuid"));
+        row.setUuid(m_capture.told(device.text("uuid"),
+                                   device.path() +
+                                       ": its file system's identifier and label, which lsblk doesn't tell"));
         row.setRestoreFileSystem(true);
         row.setVolumeInfoId(m_capture.volumeInfo);
         if (type != FileSystemType::SWAP)
-            countInodes(device, row);
+            measure(device, row);
         link(device);
     }
 
-    // Only a mounted file system tells of its inodes.
-    void countInodes(const BlockDevice& device, CLinuxFileSystem& row) {
+    // Only a mounted file system tells of its room.
+    void measure(const BlockDevice& device, CLinuxFileSystem& row) {
         const Mount* mount = mounted(device);
         struct statvfs counts {};
         if (!mount || ::statvfs((m_capture.machine.root / mount->place.substr(1)).c_str(), &counts) != 0) {
-            m_capture.leftOut.push_back(device.path() +
-                                        ": the inodes of its file system, which isn't mounted");
+            m_capture.leftOut.push_back(
+                device.path() + ": the free space and the inodes of its file system, which isn't mounted");
             return;
         }
+        row.setAvailableSpace(static_cast<std::int64_t>(counts.f_bavail * counts.f_frsize));
         row.setInodes(static_cast<std::int64_t>(counts.f_files));
         row.setFreeInodes(static_cast<std::int64_t>(counts.f_ffree));
     }
@@ -181,10 +212,32 @@ class FileSystems {
         return mapped == device.text("name");
     }
 
+    // The path and number of what of a btrfs is mounted there. Without an option in fstab it is the file
+    // system's default, which only the kernel tells.
+    [[nodiscard]] std::pair<std::string, std::string> subvolumeOf(const Mount& mount) const {
+        const Mount* told = &mount;
+        for (const Mount& line : m_mounted)
+            if (mount.root.empty() && line.place == mount.place && line.type == "btrfs")
+                told = &line;
+        const std::string path = unescaped(optionValue(told->options, "subvol"));
+        return {path.empty() ? told->root : path, optionValue(told->options, "subvolid")};
+    }
+
+    // Whether a folder or a file is mounted there once more: no place of the file system that it is in.
+    [[nodiscard]] bool isPart(const Mount& mount) const {
+        if (mount.root.empty())
+            return hasOption(mount.options, "bind") || hasOption(mount.options, "rbind");
+        return mount.root != (mount.type == "btrfs" ? subvolumeOf(mount).first : "/");
+    }
+
     void addMount(const Mount& mount) {
         const auto found = std::ranges::find_if(m_capture.devices, [&](const auto& device) {
             return device->fileSystem != 0 && isOn(mount.device, *device);
         });
+        if (isPart(mount) && (found != m_capture.devices.end() || mount.root.empty())) {
+            m_capture.leftOut.push_back(mount.place + ": a part of a file system mounted a second time");
+            return;
+        }
         if (found == m_capture.devices.end()) {
             // Not one of the kernel's own: those are no one's to restore.
             if (mount.device.starts_with("/dev/") || mount.device.find('=') != std::string::npos ||
@@ -201,11 +254,11 @@ class FileSystems {
             row.setFsPassNumber(mount.pass);
             row.setMountFileSystem(true);
         };
-        if (const std::string path = optionValue(mount.options, "subvol");
+        if (const auto [path, number] = subvolumeOf(mount);
             mount.type == "btrfs" && !path.empty() && path != "/") {
             auto& row = m_capture.add(m_capture.rows.m_vSubvolumeMountPoint);
             fill(row);
-            row.setSubvolumeId(subvolume(path, optionValue(mount.options, "subvolid"), device.fileSystem));
+            row.setSubvolumeId(subvolume(path, number, device.fileSystem));
         } else {
             auto& row = m_capture.add(m_capture.rows.m_vLinuxMountPoint);
             fill(row);

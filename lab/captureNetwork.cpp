@@ -101,7 +101,10 @@ std::vector<Interface> addInterfaces(MachineCapture& capture, ID network) {
 }
 
 void addRoutes(MachineCapture& capture, const std::vector<Interface>& interfaces, CNetwork& network) {
-    for (const Json& route : listOf(capture.machine.routes)) {
+    const Json routes = listOf(capture.machine.routes);
+    if (routes.empty())
+        capture.leftOut.push_back("the routes: \"ip -json route\" told none");
+    for (const Json& route : routes) {
         const std::uint32_t gateway = ipv4(jsonText(route, "gateway"));
         const ID interface = rowOf(interfaces, jsonText(route, "dev"));
         if (gateway == 0 || interface == 0)
@@ -116,7 +119,7 @@ void addRoutes(MachineCapture& capture, const std::vector<Interface>& interfaces
             const std::size_t slash = target.find('/');
             row.setDestNetwork(ipv4(target.substr(0, slash)));
             row.setDestNetmask(
-                netmask(slash == std::string::npos ? 32 : std::atoi(target.c_str() + slash + 1)));
+                netmask(slash == std::string::npos ? 32 : leadingNumber(target.substr(slash + 1))));
         } else if (network.getDefaultGateway() == 0) {
             network.setDefaultGateway(gateway);
             capture.rows.m_vNetworkInterface[interface - 1]->setBoot(true);
@@ -137,7 +140,9 @@ void addHost(MachineCapture& capture, const std::string& name, std::uint32_t add
 
 void addResolver(MachineCapture& capture, CNetwork& network) {
     int servers = 0;
-    for (const std::string& line : capture.lines(RESOLVER)) {
+    for (const std::string& line :
+         capture.told(capture.lines(RESOLVER),
+                      "the name servers and the domains sought: /etc/resolv.conf tells none")) {
         const std::vector<std::string> words = wordsOf(line);
         if (words.size() < 2)
             continue;

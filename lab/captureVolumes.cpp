@@ -49,7 +49,9 @@ void addMultiDevice(MachineCapture& capture, BlockDevice& device) {
     if (row.getLevel() == MultiDeviceLevel::EMPTY)
         capture.leftOut.push_back(device.path() + ": the level " + device.type +
                                   ", which the model doesn't have");
-    row.setNumberOfDevices(static_cast<std::int32_t>(capture.number(folder + "raid_disks")));
+    row.setNumberOfDevices(static_cast<std::int32_t>(capture.told(
+        capture.number(folder + "raid_disks"),
+        device.path() + ": how it is made of its members, since /" + folder + " can't be read")));
     row.setChunkLength(capture.number(folder + "chunk_size"));
     const auto layout = static_cast<std::size_t>(capture.number(folder + "layout"));
     if ((device.type == "raid5" || device.type == "raid6") && layout < std::size(parities))
@@ -63,13 +65,17 @@ void addMultiDevice(MachineCapture& capture, BlockDevice& device) {
     row.setVolumeInfoId(capture.volumeInfo);
 
     int spares = 0;
+    std::string uuid;
     for (const BlockDevice* member : device.parents) {
         const std::string state = capture.file(folder + "dev-" + member->kernelName + "/state");
         spares += state.find("spare") != std::string::npos;
-        row.setUuid(member->text("uuid")); // the superblock's, the same in all members
+        if (uuid.empty())
+            uuid = member->text("uuid"); // the superblock's, the same in all members
         addMember(capture, *member, state, device.row);
     }
     row.setSpareDevices(spares);
+    row.setUuid(
+        capture.told(uuid, device.path() + ": its identifier, which lsblk tells of none of its members"));
 }
 
 // The names in a mapped device's name: "group-volume", where a hyphen of a name is doubled.
@@ -159,7 +165,7 @@ class VolumeGroups {
             owner.setAllocatedPhysicalExtents(owner.getAllocatedPhysicalExtents() + extents);
             owner.setAvailablePhysicalExtents(std::max(0, owner.getAvailablePhysicalExtents() - extents));
         }
-        addExtents(device, owner);
+        addExtents(device, owner, row);
     }
 
     // Those that no volume lies on belong to a group that nothing tells of.
@@ -177,7 +183,8 @@ class VolumeGroups {
         auto& row = m_capture.add(m_capture.rows.m_vLinuxVolumeGroup);
         m_groups[name] = &row;
         row.setName(name);
-        row.setUuid(groupUuid(mappedUuid));
+        row.setUuid(m_capture.told(groupUuid(mappedUuid),
+                                   "volume group " + name + ": its identifier, which /sys doesn't tell"));
         row.setNumber(static_cast<std::int32_t>(row.getId()) - 1);
         row.setWriteable(true);
         row.setAvailable(true);
@@ -188,8 +195,12 @@ class VolumeGroups {
             row.setPhysicalExtentSize(static_cast<std::int32_t>(extent / 1024));
             row.setAvailablePhysicalExtents(static_cast<std::int32_t>(count));
             row.setLength(extent * count);
+            row.setAutoBackup(true); // which wrote this description
+            row.setMaxPhysicalVolumes(static_cast<std::int32_t>(sumOf(m_capture, name, "max_pv")));
+            row.setMaxLogicalVolumes(static_cast<std::int32_t>(sumOf(m_capture, name, "max_lv")));
         } else {
-            m_capture.leftOut.push_back("volume group " + name + ": its extents, since /etc/lvm/backup/" +
+            m_capture.leftOut.push_back("volume group " + name +
+                                        ": its extents, limits and automatic backup, since /etc/lvm/backup/" +
                                         name + " can't be read");
         }
         return row;
@@ -207,7 +218,7 @@ class VolumeGroups {
         return known;
     }
 
-    void addExtents(const BlockDevice& device, const CLinuxVolumeGroup& group) {
+    void addExtents(const BlockDevice& device, const CLinuxVolumeGroup& group, CLinuxLogicalVolume& volume) {
         std::vector<ID> physical;
         bool isPlain = true;
         for (const BlockDevice* parent : device.parents) {
@@ -216,9 +227,13 @@ class VolumeGroups {
                 physical.push_back(physicalVolume(*parent, group));
         }
         if (!isPlain || physical.size() != 1) {
-            m_capture.leftOut.push_back(device.path() + ": how the volume is spread over its group");
+            m_capture.leftOut.push_back(
+                device.path() + ": how the volume is spread over its group: its extents, layout and copies");
             return;
         }
+        volume.setLayout(VolumeLayout::CONCATENATED);
+        volume.setColumns(1);
+        volume.setCopies(1);
         auto& row = m_capture.add(m_capture.rows.m_vLinuxLogicalExtent);
         row.setLength(device.size());
         row.setLinuxPhysicalVolumeId(physical.front());

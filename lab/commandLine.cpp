@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/commandLine.h"
 
+#include "bundle/Bundle.h"
+#include "bundle/NewFile.h"
 #include "lab/LabDirectory.h"
 #include "lab/LabError.h"
 #include "lab/Store.h"
+#include "lab/bundleLab.h"
 #include "lab/capture.h"
 #include "lab/configurationFiles.h"
 #include "lab/jobReport.h"
@@ -54,6 +57,7 @@ struct Options {
     std::string (*schema)() = nullptr;
     std::string scenario;
     bool json = false;
+    BundleOptions bundle{.program = "zorlab", .version = ZOR_VERSION};
 };
 
 CLI::App* addCommand(CLI::App& app, const char* name, const char* purpose, Options& options) {
@@ -219,6 +223,34 @@ void addCapture(CLI::App& app) {
     });
 }
 
+void addBundle(CLI::App& app, Options& options) {
+    CLI::App* command =
+        addCommand(app, "bundle", "Gather what a support engineer needs in one archive.", options);
+    CLI::Option* client = command->add_option("--client", options.client,
+                                              "with the configuration document of this client");
+    command
+        ->add_option("--config", options.configuration,
+                     "that configuration of the client; else its latest")
+        ->needs(client);
+    command->add_option("--output", options.bundle.output, "the archive; else zorlab-bundle-TIME.tar.gz here")
+        ->type_name("FILE");
+    command->add_flag("--force", options.bundle.isReplacing, "replace the files that stand there");
+    CLI::Option* mask = command->add_flag("--mask", options.bundle.isMasked,
+                                          "stand-ins for the names and addresses of the lab");
+    command->add_option("--legend", options.bundle.legend, "write what the stand-ins stand for to this file")
+        ->type_name("FILE")
+        ->needs(mask);
+    command->callback([&options] {
+        Bundle bundle(options.bundle);
+        bundleLab(LabDirectory(options.directory), options.client, options.configuration, bundle);
+        for (const MissingMember& missing : bundle.missing())
+            std::fprintf(stderr, "zorlab: missing: %s: %s\n", Suite::printable(missing.what).c_str(),
+                         Suite::printable(missing.why).c_str());
+        std::cout << Suite::printable(bundle.options().output) << ": " << bundle.members().size()
+                  << " members, " << bundle.size() << " bytes\n";
+    });
+}
+
 } // namespace
 
 int runZorlab(int argc, char** argv) {
@@ -234,12 +266,13 @@ int runZorlab(int argc, char** argv) {
     addSchema(app, options);
     addScenario(app, options);
     addCapture(app);
+    addBundle(app, options);
     try {
         app.parse(argc, argv);
         // Not left to the library, which would complain of a mistyped command without its name.
         if (app.get_subcommands().empty())
             throw CLI::RequiredError(
-                "A command (init, serve, load, export, jobs, scenario, schema or capture)");
+                "A command (init, serve, load, export, jobs, scenario, schema, capture or bundle)");
         std::cout.flush();
         if (!std::cout)
             throw LabError("standard output can't be written");

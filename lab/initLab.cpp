@@ -41,13 +41,15 @@ constexpr std::string_view CATALOGUE_HEAD =
 # a [[content]] in place of one of its own, or in addition to it.
 )toml";
 
-// A folder of what is shipped: beside the program's folder in a build tree and in an installation of its own,
-// else where the suite has it.
+// A folder of what is shipped: beside the program's folder in a build tree, one folder further up in the suite's
+// tree, wherever that stands; else where the suite has it.
 fs::path shipped(const char* name) {
     std::error_code error;
-    const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    const fs::path beside = program.parent_path().parent_path() / "share" / name;
-    return !error && fs::exists(beside) ? beside : fs::path(INSTALLED_SHARE) / name;
+    const fs::path top = fs::read_symlink("/proc/self/exe", error).parent_path().parent_path();
+    for (const fs::path& folder : {top, top.parent_path()})
+        if (const fs::path found = folder / "share" / name; !error && fs::exists(found))
+            return found;
+    return fs::path(INSTALLED_SHARE) / name;
 }
 
 void write(const fs::path& file, const std::string& text) {

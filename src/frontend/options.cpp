@@ -242,19 +242,21 @@ int CZorb2vCommandLine::extractProfile(const Arguments& arguments, std::string& 
 int CZorb2vCommandLine::extractClientAndConfig(const Arguments& arguments, std::string& clientName,
                                                std::string& configName) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::extractClientAndConfig()");
-    if (const int rc =
-            extractMandatory(m_findings, arguments, OPTION_CLIENT, FindingKind::NO_CLIENT, clientName))
+    int rc = extractMandatory(m_findings, arguments, OPTION_CLIENT, FindingKind::NO_CLIENT, clientName);
+    if (rc != 0 && !m_findings.wantsAll())
         return trace.leave(rc, ", return rc=", rc);
     switch (takeArgument(m_findings, arguments, OPTION_CONFIG, OPTION_CONFIG.name, configName)) {
     case Found::Absent:
         configName = DEFAULT_CONFIG;
         break;
     case Found::WithoutArgument:
-        return trace.leave(CONFIG_ARGUMENT_MISSING, ", return rc=", CONFIG_ARGUMENT_MISSING);
+        if (rc == 0)
+            rc = CONFIG_ARGUMENT_MISSING;
+        break;
     case Found::WithArgument:
         break;
     }
-    return trace.leave(0, ", return rc=", 0);
+    return trace.leave(rc, ", return rc=", rc);
 }
 
 int CZorb2vCommandLine::extractMasterServer(const Arguments& arguments, std::string& masterServer) {
@@ -323,7 +325,7 @@ int CZorb2vCommandLine::validateInput(const B2VInput& input) {
     ClassTrace trace(g_appLog, "CZorb2vCommandLine:CZorb2vCommandLine::validateInput()");
     // Hyper-V is recognised and refused here, at this one place.
     if (input.veType != VMWARE_VE_TYPE) {
-        m_findings.report({.kind = FindingKind::TYPE_UNSUPPORTED});
+        m_findings.report({.kind = FindingKind::TYPE_UNSUPPORTED, .value = "Hyper-V"});
         trace.write(LEVEL_FAILURE, "Unsupported VE Type.", input.veType);
         return trace.leave(1, ", return rc=", 1);
     }
@@ -349,7 +351,8 @@ int CZorb2vCommandLine::validateInput(const B2VInput& input) {
         if (requirement.isMet)
             continue;
         rc = 1;
-        const bool goesOn = m_findings.report({.kind = requirement.finding, .value = requirement.key});
+        const bool goesOn = m_findings.report(
+            {.kind = requirement.finding, .value = requirement.key, .key = requirement.key});
         trace.write(LEVEL_FAILURE, requirement.debugText);
         if (!goesOn)
             break;

@@ -55,7 +55,7 @@ struct Reading {
     int line = 0; ///< the one that is read
 
     [[nodiscard]] bool report(FindingKind kind, const std::string& value) {
-        return findings.report({.kind = kind, .value = value, .line = line});
+        return findings.report({.kind = kind, .value = value, .lines = {line}});
     }
 };
 

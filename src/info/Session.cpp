@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info/Session.h"
 
+#include "info/paragraphs.h"
 #include "suite/printable.h"
 
 #include <ostream>
 
 #include <nlohmann/json.hpp>
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 namespace Zorvane {
 
@@ -22,7 +25,19 @@ void Session::tell(const InfoFailure& failure) const {
     if (m_isJson)
         writeJson({{"error", {{"status", static_cast<int>(failure.exit())}, {"message", failure.what()}}}});
     else
-        m_err << "zorinfo: " << Suite::printable(failure.what()) << '\n';
+        warn(failure.what());
+}
+
+void Session::warn(const std::string& text) const {
+    m_err << "zorinfo: " << Suite::printable(text) << '\n';
+}
+
+std::optional<std::size_t> Session::width() const {
+    if (!m_isTerminal)
+        return std::nullopt;
+    winsize size{};
+    const bool isTold = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isTold ? size.ws_col : TERMINAL_WIDTH;
 }
 
 } // namespace Zorvane

@@ -2,7 +2,9 @@
 // What the subcommands of zorinfo share: where they write, in what form, and how they end.
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -37,8 +39,11 @@ class Session {
     /// For answers. With --json only writeJson() writes to it.
     [[nodiscard]] std::ostream& out() const { return m_out; }
     [[nodiscard]] bool isJson() const { return m_isJson; }
-    /// Whether standard output is a terminal: nothing moves, and nothing is asked, when it is none.
+    /// Whether standard output is a terminal that knows more than lines of text: nothing moves, and nothing
+    /// is cut, when it is none.
     [[nodiscard]] bool isTerminal() const { return m_isTerminal; }
+    /// The terminal's columns; nothing if there is no terminal.
+    [[nodiscard]] std::optional<std::size_t> width() const;
     /// Text for the terminal in a colour, or as it is where none is wanted: no terminal, NO_COLOR,
     /// --no-color.
     [[nodiscard]] std::string colored(const std::string& text, const char* sgr) const;
@@ -47,6 +52,8 @@ class Session {
     void writeJson(const nlohmann::ordered_json& answer) const;
     /// Tells why a run failed, as a line on standard error, or with --json as the document.
     void tell(const InfoFailure& failure) const;
+    /// A line on standard error beside an answer.
+    void warn(const std::string& text) const;
 
     bool m_isJson = false;
     bool m_isColored = false;

@@ -2,6 +2,7 @@
 #include "info/Session.h"
 #include "info/check/similarNames.h"
 #include "info/explainedSubjects.h"
+#include "info/layout/labels.h"
 #include "info/paragraphs.h"
 #include "info/subcommands.h"
 
@@ -23,6 +24,8 @@ using Json = nlohmann::ordered_json;
 void writeText(const Subject& subject, const Session& session) {
     std::ostream& out = session.out();
     std::string head = isMessage(subject) ? "Message " + subject.name : "Finding " + subject.name;
+    if (isShared(subject))
+        head += " of the shared code (set 128)";
     if (!isMessage(subject)) {
         const FindingDescriptor& finding = *subject.findings.front();
         head += std::string(", ") + severityOf(finding);
@@ -51,6 +54,7 @@ Json documentOf(const Subject& subject) {
         {"remedy", subject.explanation.remedy},
     };
     if (isMessage(subject)) {
+        document["set"] = subject.explanation.originator();
         document["findings"] = Json::array();
         for (const FindingDescriptor* finding : subject.findings)
             document["findings"].push_back(finding->identifier);
@@ -67,34 +71,44 @@ Subject find(const std::string& name) {
     std::vector<std::string> names;
     for (const Subject& subject : allSubjects())
         names.push_back(subject.name);
-    const std::vector<std::string> near = similarNames(name, names);
-    throw InfoFailure(InfoExit::USAGE, "\"" + name + "\" is no number of a message and no finding; " +
-                                           (near.empty() ? "zorinfo explain lists all"
-                                                         : "did you mean " + near.front() + "?"));
+    const bool isNear = !similarNames(name, names).empty();
+    throw InfoFailure(InfoExit::NOT_ASKED, "\"" + name + "\" is no number of a message and no finding. " +
+                                               (isNear ? suggestionFor(name, names)
+                                                       : "Without a name zorinfo explain lists all."));
 }
 
 struct ExplainOptions {
     std::string subject;
     bool isPage = false;
+    bool isManual = false;
 };
 
+void writeList(const std::vector<Subject>& subjects, const Session& session) {
+    constexpr std::size_t names = 20;
+    for (const Subject& subject : subjects) {
+        const auto width = session.width();
+        session.out() << leftAligned(subject.name, names)
+                      << shown(subject.explanation.meaning, width ? std::max(*width, 2 * names) - names
+                                                                  : subject.explanation.meaning.size())
+                      << '\n';
+    }
+}
+
 void explain(const ExplainOptions& options, const Session& session) {
-    if (options.isPage)
-        return writeMessagesPage(session.out());
-    if (!options.subject.empty()) {
-        const Subject subject = find(options.subject);
-        return session.isJson() ? session.writeJson(documentOf(subject)) : writeText(subject, session);
+    if (options.isPage || options.isManual)
+        return options.isPage ? writeMessagesPage(session.out()) : writeDiagnostics(session.out());
+    const std::vector<Subject> subjects =
+        options.subject.empty() ? allSubjects() : std::vector{find(options.subject)};
+    if (session.isJson()) {
+        Json documents = Json::array();
+        for (const Subject& subject : subjects)
+            documents.push_back(documentOf(subject));
+        return session.writeJson({{"subjects", documents}});
     }
-    Json list = Json::array();
-    for (const Subject& subject : allSubjects()) {
-        if (session.isJson())
-            list.push_back(documentOf(subject));
-        else
-            session.out() << leftAligned(subject.name, 20) << subject.explanation.meaning.substr(0, 59)
-                          << '\n';
-    }
-    if (session.isJson())
-        session.writeJson(list);
+    if (options.subject.empty())
+        writeList(subjects, session);
+    else
+        writeText(subjects.front(), session);
 }
 
 } // namespace
@@ -103,9 +117,12 @@ void addExplain(CLI::App& app, Session& session) {
     const auto options = std::make_shared<ExplainOptions>();
     CLI::App* command = app.add_subcommand(
         "explain", "Tell what a message or a finding means, why it comes, and what to do.");
-    command->add_option("SUBJECT", options->subject,
-                        "a message's number or a finding's identifier; without it all are listed");
+    command->add_option(
+        "SUBJECT", options->subject,
+        "a message's number (\"128:926\" if its set matters) or a finding's identifier; without it "
+        "all are listed");
     command->add_flag("--md", options->isPage, "all of them as a page in Markdown");
+    command->add_flag("--man", options->isManual, "the messages as the lists of a manual page");
     command->callback([options, &session] { explain(*options, session); });
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info/explanations.h"
 
-#include "logging/CZorLog.h"
 #include "logging/getMessage.h"
 
 #include <algorithm>
@@ -15,6 +14,8 @@ constexpr Explanation EXPLANATIONS[] = {
 #define EXPLANATION(SUBJECT, TEXT, MEANING, CAUSE, REMEDY) {SUBJECT, TEXT, MEANING, CAUSE, REMEDY},
 #include "info/explanations.def"
 };
+
+constexpr std::string_view COMMAND = "433:";
 
 const Explanation* rowOf(std::string_view subject) {
     const auto* row = std::find_if(std::begin(EXPLANATIONS), std::end(EXPLANATIONS),
@@ -36,7 +37,11 @@ std::span<const Explanation> allExplanations() {
 }
 
 const Explanation* findExplanation(std::string_view subject) {
+    if (subject.starts_with(COMMAND))
+        return rowOf(subject.substr(COMMAND.size()));
     if (const Explanation* row = rowOf(subject))
+        return row;
+    if (const Explanation* row = rowOf(std::string(Explanation::SHARED) += subject))
         return row;
     for (const FindingDescriptor& finding : allFindings())
         if (finding.identifier == subject)
@@ -50,9 +55,10 @@ const Explanation& explanationOf(FindingKind kind) {
     return row ? *row : NOTHING;
 }
 
-std::string catalogueText(std::uint64_t number, const std::vector<std::string>& arguments) {
+std::string catalogueText(std::uint64_t number, const std::vector<std::string>& arguments,
+                          std::uint64_t originator) {
     try {
-        return getMessage(ZOR_COMMAND_ORIGINATOR, number, arguments);
+        return getMessage(originator, number, arguments);
     } catch (const std::runtime_error&) {
         return {};
     }

@@ -10,10 +10,9 @@ namespace Zorvane {
 
 inline constexpr std::size_t TERMINAL_WIDTH = 80;
 
-/// The columns that a UTF-8 text takes, a character each.
-std::size_t columnsOf(std::string_view text);
-/// The text cut at blanks into lines of that indent, the last line's end included. Control characters are
-/// spelled out. `hanging` is the indent of the lines behind the first.
+/// The text cut at blanks into lines of that indent, the last line's end included. Quoted names are never
+/// cut, nor are blanks within a line changed; control characters are spelled out. `hanging` is the indent of
+/// the lines behind the first.
 std::string paragraph(std::string_view text, std::size_t indent, std::size_t hanging);
 std::string paragraph(std::string_view text, std::size_t indent);
 /// Filled up with blanks on the right, or on the left for numbers.

@@ -10,6 +10,7 @@ namespace Zorvane {
 
 class Session;
 
+void addBundle(CLI::App& app, Session& session);
 void addCheck(CLI::App& app, Session& session);
 void addConfigs(CLI::App& app, Session& session);
 void addDraft(CLI::App& app, Session& session);

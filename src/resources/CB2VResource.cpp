@@ -106,9 +106,16 @@ bool CB2VResource::report(const Finding& finding) {
 }
 
 bool CB2VResource::refuse(const Finding& finding) {
-    if (const std::uint64_t message = describe(finding.kind).message)
-        m_errorText = errorTextOf(message, messageArguments(finding));
+    const FindingDescriptor& kind = describe(finding.kind);
+    if (kind.hasArgument)
+        setErrorFromCatalogue(kind.message, finding.value);
+    else if (kind.message != 0)
+        setErrorFromCatalogue(kind.message);
     return report(finding);
+}
+
+std::string CB2VResource::meantBy(const Finding& unknown) const {
+    return m_findings ? m_findings->meantBy(unknown) : std::string();
 }
 
 void CB2VResource::setErrorFromCatalogue(std::uint64_t messageId) {

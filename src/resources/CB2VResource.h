@@ -57,6 +57,8 @@ class CB2VResource {
     bool report(const Finding& finding);
     /// The same, with the finding's message as the error text, if it has one.
     bool refuse(const Finding& finding);
+    /// What the one that is reported to takes an unknown name for; "" for none.
+    [[nodiscard]] std::string meantBy(const Finding& unknown) const;
     /// Takes the text of a catalogue message as the error text. Never throws: a failed lookup leaves a fixed
     /// text.
     void setErrorFromCatalogue(std::uint64_t messageId);

@@ -68,7 +68,8 @@ class CVmwareB2VResource : public CB2VResource {
                         ListedNames* listed = nullptr);
 
   private:
-    void noteDoubts(FindingKind rule, const std::string& name, const ListedNames& known);
+    void noteDoubts(FindingKind rule, const std::string& name, const ListedNames& known,
+                    const std::string& assumption);
     std::uint32_t draftVeProfile(Trace& trace, B2VInput& input, CZor& profiles);
     std::uint32_t verifyVeProfile(Trace& trace, const B2VInput& input);
 };

@@ -30,4 +30,8 @@ std::vector<std::string> messageArguments(const Finding& finding) {
     return describe(finding.kind).hasArgument ? std::vector{finding.value} : std::vector<std::string>();
 }
 
+std::string keyOf(const Finding& finding) {
+    return finding.key.empty() ? describe(finding.kind).key : finding.key;
+}
+
 } // namespace Zorvane

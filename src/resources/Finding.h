@@ -45,13 +45,16 @@ struct Finding {
     std::vector<std::string> candidates{}; ///< the names that exist
     /// The rule could not be tried, for somebody did not answer. zorb2v takes it for broken then.
     bool isUnanswered = false;
-    int line = 0; ///< of the configuration file, from 1; 0 if none is to blame
+    std::vector<int> lines{}; ///< of the configuration file, from 1, that are to blame
     /// Of the catalogue's message, where they aren't the value alone.
     std::vector<std::string> arguments{};
+    std::string key{}; ///< that sets the value, where it isn't the one of the kind
 };
 
 /// The arguments of the finding's catalogue message.
 std::vector<std::string> messageArguments(const Finding& finding);
+/// The key of the configuration file, or the option, that sets the value; "" if none does.
+std::string keyOf(const Finding& finding);
 
 /// Where rules report. What is found goes to take(); whether the rule goes on is told to it at once.
 class Findings {
@@ -68,6 +71,12 @@ class Findings {
         return m_wantsAll || describe(finding.kind).severity != Severity::BLOCKS;
     }
     [[nodiscard]] bool wantsAll() const { return m_wantsAll; }
+    /// The name that was plainly meant by an unknown one, for the rules that depend on it; "" if they are not
+    /// to be tried.
+    [[nodiscard]] virtual std::string meantBy(const Finding& unknown) const {
+        (void)unknown;
+        return {};
+    }
 
   private:
     virtual void take(const Finding& finding) = 0;

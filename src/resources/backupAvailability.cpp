@@ -23,6 +23,8 @@ constexpr int WINDOWS_CLIENT_TYPE = 13;
 constexpr int OTHER_CLIENT_TYPE = 0;
 constexpr int STATUS_WRONG_CLIENT_TYPE = 227;
 constexpr std::size_t HEADER_LINES = 2;
+constexpr unsigned DATE_FIELD = 1;
+constexpr unsigned TIME_FIELD = 2;
 constexpr unsigned SCHEDULE_TYPE_FIELD = 7;
 constexpr unsigned POLICY_FIELD = 9;
 
@@ -67,6 +69,9 @@ class ImageSearch {
         for (std::size_t index = HEADER_LINES; index < m_lines.size(); ++index) {
             const std::string line = m_lines[index];
             m_trace.write(LEVEL_TRACE, "line = ", line);
+            // No rule goes by the date; a line without one leaves its warning in the log.
+            for (const unsigned unused : {DATE_FIELD, TIME_FIELD})
+                (void)field(line, unused);
             const std::string scheduleType = field(line, SCHEDULE_TYPE_FIELD);
             std::string policy = field(line, POLICY_FIELD);
             if (contains(m_seenPolicies, policy))

@@ -80,9 +80,9 @@ std::uint32_t CB2VResource::preSubmitCheck(B2VInput& input) {
     ClassTrace trace(g_appLog, "CB2VResource:CB2VResource::preSubmitCheck()");
     std::uint32_t rc = 0;
     // Whether the check ends with it.
-    const auto refuses = [&](FindingKind rule, const std::string& diskName) {
+    const auto refuses = [&](FindingKind rule, const std::string& diskName, const std::string& text = {}) {
         rc = 1;
-        return !refuse({.kind = rule, .value = diskName});
+        return !refuse({.kind = rule, .value = diskName, .text = text});
     };
     CZor& config = input.clientConfig;
     const CSystem* system = config.m_vSystem.first();
@@ -105,12 +105,17 @@ std::uint32_t CB2VResource::preSubmitCheck(B2VInput& input) {
     const bool mayHaveStorageSpaces =
         isLevelAtLeast(windowsVersion(system->getOsLevel()), FIRST_WINDOWS_WITH_STORAGE_SPACES);
     if (mayHaveStorageSpaces && !input.systemOnly) {
-        if (HasUnrestrictedDiskOnBus7(config)) {
-            if (refuses(FindingKind::BUS_UNSUPPORTED, {}))
+        const std::vector<CWindowsDisk*> disks = FindUnrestrictedDisksOnBus7(config);
+        for (const CWindowsDisk* disk : disks)
+            if (refuses(FindingKind::BUS_UNSUPPORTED, disk->getName(),
+                        "It is the disk \"" + disk->getName() + "\"."))
                 return trace.leave(rc, ", return rc=", rc);
-        } else if (IsReFsPresent(config)) {
+        if (disks.empty() && IsReFsPresent(config)) {
             trace.write(LEVEL_FAILURE, "ReFS based volume found. ZOR will restore it as NTFS based volume.");
-            report({.kind = FindingKind::REFS_BECOMES_NTFS});
+            for (const CWindowsVolume* volume : FindReFsVolumes(config))
+                report({.kind = FindingKind::REFS_BECOMES_NTFS,
+                        .value = volume->getName(),
+                        .text = "It is the volume \"" + volume->getName() + "\"."});
         }
     }
     return trace.leave(rc, ", return rc=", rc);

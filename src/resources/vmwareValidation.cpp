@@ -251,7 +251,9 @@ std::uint32_t CVmwareB2VResource::initializeVeDefaults(B2VInput& input) {
 std::uint32_t CVmwareB2VResource::validateVMwareVEsetup(B2VInput& input) {
     ClassTrace trace(g_appLog, "CVmwareB2VResource:CVmwareB2VResource::validateVMwareVEsetup()");
     const auto& [proxy, server, master] = std::tie(input.vmProxy, input.vmServer, input.masterServer);
-    const std::string& esx = input.esxHost;
+    // The names by which the rules go on where the user's are not known, and what to say of it then. What the
+    // user left open had no defaults with those, and is not held against anything.
+    std::string esx = input.esxHost, dataCenter = input.dataCenter, meant, assumption;
     std::uint32_t rc = ZOR_SUCCESS;
     const auto leave = [&] {
         return trace.leave(rc, rc == ZOR_SUCCESS ? ", return ZOR_SUCCESS" : ", return ZOR_ERROR");
@@ -264,14 +266,20 @@ std::uint32_t CVmwareB2VResource::validateVMwareVEsetup(B2VInput& input) {
     const auto goesOn = [&](bool holds, FindingKind rule, const std::string& name, const auto&... debugText) {
         ListedNames known = std::exchange(listed, {});
         if (holds)
-            return noteDoubts(rule, name, known), true;
+            return noteDoubts(rule, name, known, assumption), true;
         rc = ZOR_ERROR;
-        const bool isNext = refuse({.kind = rule,
-                                    .value = name,
-                                    .candidates = std::move(known.names),
-                                    .isUnanswered = !known.isAnswered});
+        const Finding unknown{.kind = rule,
+                              .value = name,
+                              .text = rule == FindingKind::MACHINE_EXISTS ? "" : assumption,
+                              .candidates = std::move(known.names),
+                              .isUnanswered = !known.isAnswered};
+        meant = meantBy(unknown);
+        const bool isNext = refuse(unknown);
         trace.write(LEVEL_TRACE, debugText...);
         return isNext;
+    };
+    const auto assuming = [](FindingKind rule, const std::string& name) {
+        return std::string("Assuming the ") + describe(rule).object + " \"" + name + "\".";
     };
 
     // The order of these checks is a contract: the first that fails is the one that the user is told of.
@@ -284,7 +292,9 @@ std::uint32_t CVmwareB2VResource::validateVMwareVEsetup(B2VInput& input) {
                 "Invalid Virtual Machine Server selected for restore:", server))
         return leave();
     if (!hasServer) {
-        skip("objects of the target", "the virtual machine server is not known");
+        // What the user left open depends on the server: who knows which one was meant starts from there.
+        if (meant.empty())
+            skip("objects of the target", "the virtual machine server is not known");
         return leave();
     }
     bool hasHost = true;
@@ -293,25 +303,37 @@ std::uint32_t CVmwareB2VResource::validateVMwareVEsetup(B2VInput& input) {
         if (!goesOn(hasHost, FindingKind::HOST_UNKNOWN, esx, "Invalid Esx server:", esx,
                     " of vCenter:", server))
             return leave();
+        if (!hasHost)
+            esx = meant;
         const bool hasDataCenter = dataCenterComponent(input.dataCenter).empty() ||
                                    isValidDatacenter(input.dataCenter, proxy, server, master, &listed);
         if (!goesOn(hasDataCenter, FindingKind::DATA_CENTER_UNKNOWN, input.dataCenter,
                     "Invalid Virtual Machine Server selected for restore:", input.dataCenter))
             return leave();
-        if (!hasDataCenter)
+        if (!hasDataCenter) {
+            dataCenter = meant;
+            assumption = assuming(FindingKind::DATA_CENTER_UNKNOWN, meant);
+        }
+        if (!hasDataCenter && dataCenter.empty())
             skip("folder", "the data center is not known");
-        else if (!goesOn(isValidVmFolder(input.vmFolder, proxy, server, input.dataCenter, master, &listed),
+        else if ((hasDataCenter || !input.vmFolder.empty()) &&
+                 !goesOn(isValidVmFolder(input.vmFolder, proxy, server, dataCenter, master, &listed),
                          FindingKind::FOLDER_UNKNOWN, input.vmFolder,
                          "Invalid Virtual Environment folder selected for restore:", input.vmFolder))
             return leave();
+        assumption.clear();
         if (!input.cluster.empty() && !goesOn(isValidCluster(input.cluster, proxy, server, master, &listed),
                                               FindingKind::CLUSTER_UNKNOWN, input.cluster,
                                               "Invalid ESX cluster selected for restore:", input.cluster))
             return leave();
     }
+    const bool hasPlace = hasHost || !esx.empty();
     if (!hasHost)
+        assumption = assuming(FindingKind::HOST_UNKNOWN, esx);
+    if (!hasPlace)
         skip("resource pool, data stores and network", "the ESX host is not known");
-    else if (!goesOn(isValidRpool(input.resourcePool, proxy, esx, server, master, &listed),
+    else if ((hasHost || !input.resourcePool.empty()) &&
+             !goesOn(isValidRpool(input.resourcePool, proxy, esx, server, master, &listed),
                      FindingKind::POOL_UNKNOWN, input.resourcePool,
                      "Invalid Resource Pool selected for restore:", input.resourcePool))
         return leave();
@@ -320,7 +342,7 @@ std::uint32_t CVmwareB2VResource::validateVMwareVEsetup(B2VInput& input) {
                 FindingKind::MACHINE_EXISTS, input.vmDisplayName,
                 "Another Virtual Machine already exists with same name"))
         return leave();
-    if (!hasHost)
+    if (!hasPlace)
         return leave();
     if (!input.dataStore.empty() &&
         !goesOn(isValidDataStore(input.dataStore, proxy, esx, server, master, input.dataStoreSize, &listed),
@@ -341,7 +363,8 @@ std::uint32_t CVmwareB2VResource::validateVMwareVEsetup(B2VInput& input) {
 }
 
 // What a check that holds leaves open: which of several objects is meant, or whether it was a check at all.
-void CVmwareB2VResource::noteDoubts(FindingKind rule, const std::string& name, const ListedNames& known) {
+void CVmwareB2VResource::noteDoubts(FindingKind rule, const std::string& name, const ListedNames& known,
+                                    const std::string& assumption) {
     if (rule == FindingKind::MACHINE_EXISTS) {
         if (!known.isAnswered)
             report({.kind = FindingKind::NOT_CHECKED,
@@ -353,12 +376,14 @@ void CVmwareB2VResource::noteDoubts(FindingKind rule, const std::string& name, c
                                        [&](const auto& other) { return isSameName(other, name); });
     if (matches < 2)
         return;
-    Finding ambiguous{.kind = FindingKind::NAME_AMBIGUOUS, .value = name};
+    Finding ambiguous{.kind = FindingKind::NAME_AMBIGUOUS, .value = name, .key = describe(rule).key};
     for (const std::string& other : known.names)
         if (other.find('/') != std::string::npos && isSameName(dataCenterComponent(other), name))
             ambiguous.candidates.push_back(other);
     ambiguous.text = "The target has " + std::to_string(matches) + " of the kind \"" + describe(rule).object +
                      "\" by this name.";
+    if (!assumption.empty())
+        ambiguous.text += " " + assumption;
     report(ambiguous);
 }
 
@@ -392,7 +417,9 @@ std::uint32_t CVmwareB2VResource::verifyVeProfile(Trace& trace, const B2VInput& 
         refuse({.kind = FindingKind::PROFILE_NOT_VERIFIED, .value = input.profileName, .text = output});
         trace.write(LEVEL_TRACE, "verifyb2v failed, retval=", rc, " output=", output);
     } else {
-        refuse(
+        setErrorFromCatalogue(describe(FindingKind::MASTER_NOT_REACHED).message,
+                              static_cast<std::uint32_t>(rc));
+        report(
             {.kind = FindingKind::MASTER_NOT_REACHED, .value = FormatInteger(rc, 10), .isUnanswered = true});
         trace.write(LEVEL_TRACE, "Could not contact Master Server", " retval=", rc);
     }

@@ -144,28 +144,36 @@ int IsSystemDiskInBootOrder(const CZor& zor) {
     return FindWindowsSystemDisk(zor) == FindFirstBootableDisk(zor.m_vWindowsDisk) ? 1 : 0;
 }
 
-int IsReFsPresent(const CZor& zor) {
-    Trace trace(g_libLog, "windowsDisks:IsReFsPresent()");
+std::vector<CWindowsVolume*> FindReFsVolumes(const CZor& zor) {
+    std::vector<CWindowsVolume*> found;
     for (const CWindowsDisk* disk : zor.m_vWindowsDisk) {
         if (!disk || disk->getRestricted())
             continue;
-        for (const CWindowsVolume* volume : FindWindowsVolumesOfDisk(zor, *disk)) {
+        for (CWindowsVolume* volume : FindWindowsVolumesOfDisk(zor, *disk)) {
             // A later file system of the volume doesn't count, and that stays so.
             const auto* fileSystem = FindFirstReferring<CWindowsFileSystem>(zor, *volume);
-            if (fileSystem && fileSystem->getType() == FileSystemType::REFS)
-                return trace.leave(1, ", present=", 1);
+            const bool isReFs = fileSystem && fileSystem->getType() == FileSystemType::REFS;
+            if (isReFs && std::find(found.begin(), found.end(), volume) == found.end())
+                found.push_back(volume);
         }
     }
-    return trace.leave(0, ", present=", 0);
+    return found;
+}
+
+int IsReFsPresent(const CZor& zor) {
+    Trace trace(g_libLog, "windowsDisks:IsReFsPresent()");
+    const int present = FindReFsVolumes(zor).empty() ? 0 : 1;
+    return trace.leave(present, ", present=", present);
 }
 
 bool HasUnconvertibleDeviceType(const CWindowsDisk& disk) {
     return disk.getDeviceType() == 6 || disk.getDeviceType() == 7;
 }
 
-bool HasUnrestrictedDiskOnBus7(const CZor& zor) {
-    return FindBy(zor.m_vWindowsDisk, &CWindowsDisk::getBusType, 7U, &CWindowsDisk::getRestricted, false) !=
-           nullptr;
+std::vector<CWindowsDisk*> FindUnrestrictedDisksOnBus7(const CZor& zor) {
+    return FindAllIf(zor.m_vWindowsDisk, [](const CWindowsDisk& disk) {
+        return disk.getBusType() == 7 && !disk.getRestricted();
+    });
 }
 
 } // namespace Zorvane

@@ -38,12 +38,14 @@ CWindowsDisk* FindFirstBootableDisk(const RecordRows<CWindowsDisk>& disks);
 /// Windows.
 int IsSystemDiskInBootOrder(const CZor& zor);
 
-/// Whether a disk that isn't restricted holds a volume whose first file system is ReFS.
+/// The volumes of disks that aren't restricted whose first file system is ReFS, each once.
+std::vector<CWindowsVolume*> FindReFsVolumes(const CZor& zor);
+/// Whether there is such a volume.
 int IsReFsPresent(const CZor& zor);
 
 /// Whether the disk's device type, 6 or 7, is one that no virtual machine has.
 bool HasUnconvertibleDeviceType(const CWindowsDisk& disk);
-/// Whether any disk with bus type 7 isn't restricted.
-bool HasUnrestrictedDiskOnBus7(const CZor& zor);
+/// The disks with bus type 7 that aren't restricted.
+std::vector<CWindowsDisk*> FindUnrestrictedDisksOnBus7(const CZor& zor);
 
 } // namespace Zorvane

@@ -74,8 +74,11 @@ fs::path directory() {
     std::error_code error;
     if (fs::is_directory(STANDARD_DIRECTORY, error))
         return STANDARD_DIRECTORY;
-    // A build tree, or a copy of it in any place: <somewhere>/bin beside <somewhere>/share.
-    return fs::read_symlink("/proc/self/exe", error).parent_path().parent_path() / "share" / "locale";
+    // A build tree, or a copy of it in any place: <somewhere>/bin beside <somewhere>/share. In the suite's tree,
+    // when it stands in another place, share is one folder further up.
+    const fs::path top = fs::read_symlink("/proc/self/exe", error).parent_path().parent_path();
+    const fs::path beside = top / "share" / "locale";
+    return fs::is_directory(beside, error) ? beside : top.parent_path() / "share" / "locale";
 }
 
 // A catalogue's text, which is UTF-8, in the code set of the process's locale; nothing if that can't write

@@ -165,6 +165,11 @@ const Configuration& configuration() {
     return file().current();
 }
 
+std::string configurationPath() {
+    const char* const chosen = chosenFile();
+    return chosen ? chosen : STANDARD_FILE;
+}
+
 std::uint32_t watchConfiguration() {
     return file().watch();
 }

@@ -38,6 +38,9 @@ struct Configuration {
 /// absent; so does a single value of a wrong type. Not for use by several threads.
 const Configuration& configuration();
 
+/// The file that configuration() reads: the one that the environment names, or the standard one.
+std::string configurationPath();
+
 /// Watches the file from now on and gives the state that it is in, as FileWatch has it: as long as that is
 /// FileWatch::state(), what configuration() gives after this call still stands. FileWatch::NotWatched if the
 /// file can't be watched.

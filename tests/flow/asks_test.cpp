@@ -5,6 +5,7 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -51,9 +52,8 @@ class Asks : public testing::Test {
         EXPECT_EQ(ended.status, status) << ended.err;
         Json document = Json::parse(ended.out, nullptr, false);
         EXPECT_FALSE(document.is_discarded()) << ended.out;
-        if (!document.contains("error")) {
-            EXPECT_EQ(schema.breach(document), "");
-        }
+        const Schema failure(std::string(ZOR_SOURCE_DIR) + "/share/schema/error.schema.json");
+        EXPECT_EQ((document.contains("error") ? failure : schema).breach(document), "");
         return document;
     }
 
@@ -200,6 +200,80 @@ TEST_F(Asks, andTellsWhatWasNotAnswered) {
                 HasSubstr("the request daemon on localhost did not list the virtual machine servers"));
 }
 
+TEST_F(Asks, forALayoutAsInTheDocument) {
+    m_lab.serve();
+    for (const char* client : {"ledger01", "atlas07", "harbor03"}) {
+        const std::string full = std::string(client) + ".corp.example";
+        const std::string document = std::string(ZOR_SOURCE_DIR) + "/share/samples/" + client + ".xml";
+        EXPECT_EQ(ask({"layout", full})["client"], full);
+        for (const char* form : {"--svg", "--no-color"})
+            EXPECT_EQ(m_lab.zorinfo({"layout", full, "current", form}).out,
+                      m_lab.zorinfo({"layout", "--file", document, form}).out);
+    }
+    EXPECT_THAT(ask({"layout", CLIENT, "older"}, 3)["error"]["message"], HasSubstr("no configuration older"));
+    m_lab.write("target", "name=new\nharddisk=0\n");
+    for (const auto& [file, reason] :
+         {std::pair(m_lab.path("target"), ", line 2: harddisk=0 names no data store;"),
+          std::pair(m_lab.path(""), " is no file")}) {
+        const Ended ended = m_lab.zorinfo({"layout", CLIENT, "--veconfig", file});
+        EXPECT_EQ(ended.status, 3);
+        EXPECT_EQ(linesOf(ended.err).size(), 1U) << ended.err;
+        EXPECT_THAT(ended.err, HasSubstr(file + reason));
+    }
+}
+
+TEST_F(Asks, whatMessagesMean) {
+    EXPECT_GT(ask({"explain"})["subjects"].size(), 80U);
+    const Json shared = ask({"explain", "926"})["subjects"];
+    ASSERT_EQ(shared.size(), 1U);
+    EXPECT_EQ(shared[0]["set"], 128);
+    EXPECT_THAT(ask({"explain", "store.spcae"}, 3)["error"]["message"],
+                HasSubstr("Did you mean \"store.space\""));
+    // Lines that the terminal would break are cut at a letter, elsewhere they are whole.
+    const std::string list = "stty cols 70; " + std::string(ZOR_ZORINFO) + " explain --no-color";
+    for (const std::string& line : linesOf(m_lab.run("/usr/bin/script", {"-qec", list, "/dev/null"}).out)) {
+        const bool isCut = line.ends_with("\u2026\r");
+        EXPECT_LE(line.size(), isCut ? 73U : 71U) << line;
+    }
+    EXPECT_THAT(m_lab.zorinfo({"explain"}).out, Not(HasSubstr("\u2026")));
+}
+
+TEST_F(Asks, inVainWithoutAUsage) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "Usage: zorinfo bundle|check|"},
+        {"chek", "\"chek\" is no subcommand of zorinfo; did you mean \"check\"?"},
+        {"tasks --folow", "\"--folow\" is not expected; did you mean \"--follow\"?"},
+        {"profiles shw x", "did you mean \"show\"? Usage: zorinfo profiles [show|diff]"},
+        {"profiles show", "NAME is required. Usage: zorinfo profiles show NAME;"},
+        {"profiles diff x", "SECOND is required. Usage: zorinfo profiles diff FIRST SECOND;"},
+        {"tasks --wait x", "Usage: zorinfo tasks [CLIENT] [--follow] [--wait SECONDS];"},
+    };
+    for (const auto& [line, expected] : cases) {
+        const Ended ended = m_lab.zorinfo(words(line));
+        EXPECT_EQ(ended.status, 2) << line;
+        EXPECT_THAT(ended.err, HasSubstr(expected)) << line;
+    }
+}
+
+TEST_F(Asks, withTheMannersOfItsOutput) {
+    m_lab.serve();
+    const std::string program = ZOR_ZORINFO;
+    const Ended cut =
+        m_lab.run("/bin/bash", {"-c", "trap '' PIPE; " + program + " explain | true; echo ${PIPESTATUS[0]}"});
+    EXPECT_EQ(cut.out, "0\n") << cut.err;
+    EXPECT_EQ(cut.err, "");
+    EXPECT_EQ(m_lab.run("/bin/sh", {"-c", program + " explain >/dev/full"}).status, 3);
+    // The lab's own log can be emptied under it.
+    std::filesystem::resize_file(m_lab.path("lab/requests.log"), 0);
+    EXPECT_EQ(m_lab.zorinfo({"configs"}).status, 0);
+    EXPECT_EQ(std::ifstream(m_lab.path("lab/requests.log")).get(), 'z') << "a hole";
+    for (const auto& [terminal, isColored] : {std::pair("dumb", false), std::pair("xterm", true)}) {
+        const Ended ended =
+            m_lab.run("/usr/bin/script", {"-qec", program + " configs", "/dev/null"}, {{"TERM", terminal}});
+        EXPECT_EQ(ended.out.find('\033') != std::string::npos, isColored) << terminal;
+    }
+}
+
 TEST_F(Asks, forProfiles) {
     m_lab.serve();
     EXPECT_EQ(m_lab.zorinfo({"profiles"}).out, "There are no profiles.\n");
@@ -225,6 +299,12 @@ TEST_F(Asks, forTasks) {
     EXPECT_EQ(m_lab.zorinfo({"tasks", "--wait", "60"}).out, "No conversion runs.\n");
     convert("");
     EXPECT_THAT(m_lab.zorinfo({"tasks"}).out, HasSubstr(CLIENT + "/current  queued  ready"));
+    m_lab.sql("UPDATE ZOR_P2VRestoreTask SET State=2, Operation=17");
+    const std::vector<std::string> table = linesOf(m_lab.zorinfo({"tasks"}).out);
+    ASSERT_EQ(table.size(), 2U);
+    EXPECT_EQ(table[0].find("MACHINE"), table[1].find("new"));
+    EXPECT_LE(table[1].size(), 80U);
+    m_lab.sql("UPDATE ZOR_P2VRestoreTask SET State=1, Operation=1");
     EXPECT_EQ(ask({"tasks", CLIENT, "--wait", "0"}, 1)["running"][0]["step"], "READY");
     EXPECT_EQ(m_lab.zorinfo({"tasks", "harbor03.corp.example", "--wait", "60"}).status, 0)
         << "of another client";

@@ -5,7 +5,11 @@
 #include "flow/exitScenarios.h"
 #include "info/schema.h"
 
+#include <fstream>
 #include <iostream>
+#include <map>
+#include <regex>
+#include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -101,6 +105,11 @@ class Check : public testing::Test {
                            [](const Json& finding) { return finding["id"] == "profile.unknown"; });
     }
 
+    void edit(const std::string& file, const char* pattern, const char* replacement) const {
+        const std::string text = (std::ostringstream() << std::ifstream(m_lab.path(file)).rdbuf()).str();
+        m_lab.write(file, std::regex_replace(text, std::regex(pattern), replacement));
+    }
+
     Lab m_lab;
     Schema m_schema{std::string(ZOR_SOURCE_DIR) + "/share/schema/check.schema.json"};
     static inline int s_compared = 0;
@@ -179,6 +188,82 @@ TEST_F(Check, tellsAllAtOnceWithWaysOut) {
     EXPECT_EQ(ended.out.find('\033'), std::string::npos);
 }
 
+// Lines that name objects that exist; those of a case come behind them, from the eighth on.
+const std::string GIVEN = "name=new-vm\ntoolsIsoPath=t\nesxhost=esx01.lab.example\ndatacenter=Northgate\n"
+                          "folder=/Northgate/vm\nresourcepool=Gold\nnetwork=VM Network\n";
+
+// "store.unknown (harddisk 8 9) ng-san-1: ", and what is said of it.
+std::string summaryOf(const Json& finding) {
+    std::string text = finding["id"].get<std::string>() + " (";
+    text += finding["key"].is_null() ? "" : finding["key"].get<std::string>();
+    for (const Json& line : finding["lines"])
+        text += " " + line.dump();
+    return text + ") " + finding["value"].get<std::string>() + ": " + finding["message"].get<std::string>() +
+           " " + finding["hint"].get<std::string>();
+}
+
+TEST_F(Check, tellsOfEachDoubtAndItsPlace) {
+    const struct {
+        const char *options, *target;
+        std::string begins, says;
+        const char* before = "";
+    } cases[] = {
+        {"", "harddisk=0:ng-san-01\nharddisk=0:ng-san-02", "disk.repeated (harddisk 8 9) Harddisk0: ", ""},
+        {"", "harddisk=7:ng-san-01", "disk.unknown (harddisk 8) Harddisk7: ", "Harddisk1"},
+        {"", "harddisk=0:ng-san\nharddisk=1:ng-san", "store.unknown (harddisk 8 9) ng-san: ", "ng-san-01"},
+        {"", "datastore=ng-san\nharddisk=1:ng-san", "store.unknown (datastore 8 9) ng-san: ", ""},
+        {"", "resourcepool=Web", "name.ambiguous (resourcepool 8) Web: ", "resource pool"},
+        {"", "name=ng-web01", "machine.exists (name 8) ng-web01: ", "\"ledger01-vm\" is free"},
+        {"", "network=VM  Network", "network.unknown (network 8) VM  Network: ", "\"VM  Network\""},
+        {"", "esxhost=esx01\nnetwork=VM",
+         "network.unknown (network 9) VM: ", "Assuming the ESX host \"esx01.lab."},
+        {"", "datacenter=Norhtgate\nfolder=vms",
+         "folder.unknown (folder 9) vms: ", "Assuming the data center \"Northgate\"."},
+        {"-vmserver vcentre01", "resourcepool=Gould", "pool.unknown (resourcepool 8) Gould: ",
+         "Assuming the virtual machine server \"vcenter01.lab.example\"."},
+        {"-vmhv", "", "option.vmhv (-vmhv) Hyper-V: ", ""},
+        {"-vmhv", "", "check.skipped () target (zorb2v refuses Hyper-V", ""},
+        {"", "", "job.pending (-C) ledger01.corp.example: ", "queued, ready, since",
+         "INSERT INTO ZOR_P2VRestoreTask (ClientName, State, Operation) "
+         "VALUES ('ledger01.corp.example', 1, 1)"},
+        {"", "", "backup.old () 20", "more than a day",
+         "UPDATE ZOR_Config SET RetrievalTime = RetrievalTime + 90000"},
+    };
+    edit("lab/inventory.toml", "\"Silver\"", "\"Silver\", \"Silver/Web\"");
+    m_lab.serve();
+    for (const auto& [options, target, begins, says, before] : cases) {
+        SCOPED_TRACE(begins);
+        m_lab.sql(before);
+        m_lab.write("target", GIVEN + target);
+        std::vector<std::string> arguments =
+            words(options + std::string(" -C ledger01.corp.example -vmserver vcenter01.lab.example "
+                                        "-vmproxy convhost01.lab.example -veconfig"));
+        arguments.push_back(m_lab.path("target"));
+        const Json document = check(arguments);
+        std::vector<std::string> found;
+        for (const Json& finding : document["findings"])
+            if (summaryOf(finding).starts_with(begins))
+                found.push_back(summaryOf(finding));
+        EXPECT_THAT(found, testing::ElementsAre(HasSubstr(says)));
+        m_lab.forget();
+    }
+}
+
+TEST_F(Check, tellsWhichBackupHoldsAFile) {
+    for (const char* type : {"type = 13", "type = 0"}) {
+        SCOPED_TRACE(type);
+        edit("lab/catalogue.toml", "type = 13", type);
+        m_lab.stop();
+        m_lab.serve();
+        const std::string out =
+            m_lab.zorinfo(words("check -C depot05.corp.example -vmserver x -vmproxy y -veconfig /no/file"))
+                .out;
+        for (const char* part : {"2-6. backup.file", "So with", "is no full one (Incremental)"})
+            EXPECT_THAT(out, HasSubstr(part));
+        EXPECT_EQ(out.find("> The newest backup"), out.rfind("> The newest backup")) << "told once";
+    }
+}
+
 TEST_F(Check, showsWhatWouldBeRecorded) {
     m_lab.serve();
     m_lab.write("target", "name=it's new\ntoolsIsoPath=t\nesxhost=esx11.lab.example\ndatacenter=Southbank\n"
@@ -229,6 +314,55 @@ TEST_F(Check, holdsWhatIsDrafted) {
     EXPECT_EQ(full.status, 1);
     EXPECT_THAT(full.err, HasSubstr("has room"));
     EXPECT_EQ(m_lab.zorinfo({"draft", "ledger01.corp.example", "-vmserver", "x"}).status, 2);
+}
+
+TEST_F(Check, holdsWhatIsDraftedOfAnEstate) {
+    ASSERT_EQ(m_lab.run(ZOR_ZORLAB, {"init", m_lab.path("lab"), "--force", "--estate", "small"}).status, 0);
+    m_lab.serve();
+    std::map<int, int> ends;
+    for (const std::string& client : words(m_lab.zorinfo({"configs", "--names"}).out)) {
+        const std::string options =
+            client + " -vmserver vcenter01.lab.example -vmproxy convhost01.lab.example";
+        const Ended drafted = m_lab.zorinfo(words("draft " + options));
+        EXPECT_EQ(drafted.err.empty(), drafted.status == 0) << drafted.err;
+        ++ends[drafted.status];
+        if (drafted.out.empty())
+            continue;
+        m_lab.write("target", drafted.out);
+        EXPECT_EQ(check(words("-C " + options + " -veconfig " + m_lab.path("target")))["status"],
+                  drafted.status)
+            << drafted.out;
+    }
+    EXPECT_GT(ends[0], 2);
+    EXPECT_GT(ends[1], 2);
+}
+
+TEST_F(Check, holdsNoDraftOfWhatIsNotTold) {
+    const struct {
+        const char* rules;
+        const char* client;
+        const char* server;
+        int status;
+        const char* err;
+    } cases[] = {
+        {"listing:22", "ledger01", "vcenter01", 3,
+         "vcenter01.lab.example did not answer: data stores of esx01"},
+        {"listing:17 listing:19", "ledger01", "vcenter01", 3, "did not answer: networks of esx01"},
+        {"listing:22@1", "ledger01", "vcenter01", 0, "data stores of esx01.lab.example not told (status 1): that host is left out"},
+        {"", "depot05", "vcenter01", 1, "zorinfo: backup.file: No full backup"},
+        {"", "quarry06", "vcenter01", 1, "takes 3.9 TiB, and the roomiest data store"},
+        {"", "ledgr01", "vcenter01", 3, "Did you mean \"ledger01.corp.example\"?"},
+        {"", "ledger01", "vcentre01", 3, "Did you mean \"vcenter01.lab.example\"?"},
+    };
+    for (const auto& [rules, client, server, status, err] : cases) {
+        m_lab.serve(words(rules));
+        const Ended drafted =
+            m_lab.zorinfo({"draft", std::string(client) + ".corp.example", "-vmserver",
+                           std::string(server) + ".lab.example", "-vmproxy", "convhost01.lab.example"});
+        EXPECT_EQ(drafted.status, status) << rules << client;
+        EXPECT_THAT(drafted.err, HasSubstr(err));
+        m_lab.stop();
+    }
 }
 
 TEST_F(Check, wantsOptions) {

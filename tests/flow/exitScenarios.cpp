@@ -49,6 +49,14 @@ std::vector<Exit> usageExits() {
         {LEDGER, "", "", "listing:17", 1, USAGE, "10 network", DEFAULTS},
         {LEDGER, "", "", "listing:22", 1, USAGE, "10 datastore", DEFAULTS},
         {LEDGER, "-vmhv", "", "", 1, USAGE, "", GATES},
+        {"", "-C EMPTY " + NEEDED, "", "", 3, 0, "17 current", "config"},
+        {LEDGER, "-config EMPTY", "", "", 3, 0, "17", "config"},
+        {"", "-C " + LEDGER + " -vmserver EMPTY " + PROXY + "-veconfig CONF", "", "", 1, USAGE, "4",
+         GATES + " 9 10 22 11 17"},
+        {"", "-C " + LEDGER + " -vmserver EMPTY " + PROXY + "-veconfig CONF", "", "listing:10", 1, 0, "",
+         GATES + " 9 10"},
+        {"", "-C " + LEDGER + " " + SERVER + "-vmproxy EMPTY -veconfig CONF", "", "", 1, USAGE, "8",
+         DEFAULTS},
         {"harbor03.corp.example", "-vmhv", "", "", 1, 0, "14 harbor03.corp.example|current", READ},
     };
 }
@@ -156,8 +164,8 @@ std::vector<std::string> argumentsOf(const Exit& exit, const std::string& target
     std::vector<std::string> arguments =
         words((exit.client.empty() ? "" : "-C " + exit.client + " " + NEEDED) + exit.options);
     for (std::string& argument : arguments)
-        if (argument == "CONF")
-            argument = target;
+        if (argument == "CONF" || argument == "EMPTY")
+            argument = argument == "CONF" ? target : "";
     return arguments;
 }
 

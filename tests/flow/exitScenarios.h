@@ -9,7 +9,7 @@ namespace Zorvane {
 
 struct Exit {
     std::string client;  ///< with the options that are needed; none of them if it is empty
-    std::string options; ///< behind those; CONF is the configuration file
+    std::string options; ///< behind those; CONF is the configuration file, EMPTY an empty word
     std::string target;  ///< lines of that file, behind those that are needed
     std::string rules;   ///< failures of the lab
     int status;

@@ -3,6 +3,7 @@
 #include "flow/Lab.h"
 
 #include <cstdlib>
+#include <cstring>
 
 #include <gtest/gtest.h>
 
@@ -16,16 +17,25 @@ TEST(Families, areRefused) {
     ASSERT_EQ(std::system(load.c_str()), 0) << load;
     lab.serve();
     lab.write("target", "name=new-vm\n");
-    // By its operating system each; garnet16 runs Windows, but its client's software is too old.
     for (const char* name :
          {"copper11", "basalt12", "cedar13", "delta14", "ember15", "garnet16", "flint17"}) {
         const std::string client = std::string(name) + ".corp.example";
-        const Ended ended = lab.zorb2v({"-C", client, "-vmserver", "vcenter01.lab.example", "-vmproxy",
-                                        "convhost01.lab.example", "-veconfig", lab.path("target")});
+        std::vector<std::string> arguments{"-C",        client,
+                                           "-vmserver", "vcenter01.lab.example",
+                                           "-vmproxy",  "convhost01.lab.example",
+                                           "-veconfig", lab.path("target")};
+        const Ended ended = lab.zorb2v(arguments);
         EXPECT_EQ(ended.status, 1) << client;
         EXPECT_EQ(ended.out, "");
         EXPECT_EQ(ended.err, message("14 " + client + "|current"));
         EXPECT_EQ(lab.road(), "config tree") << client; // nothing further is asked
+
+        // By its operating system each.
+        arguments.insert(arguments.begin(), {"check", "--json"});
+        const char* rule = std::strcmp(name, "garnet16") == 0 ? "client.windows" : "client.os";
+        EXPECT_NE(lab.zorinfo(arguments).out.find(std::string("\"first\": \"") + rule), std::string::npos)
+            << name;
+        lab.road();
     }
 }
 

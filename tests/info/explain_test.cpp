@@ -13,23 +13,23 @@
 namespace Zorvane {
 namespace {
 
-// The numbers of the command's messages in the catalogue's source.
-std::set<std::string> catalogueNumbers() {
+// The messages in the catalogue's source, as explanations name them.
+std::set<std::string> catalogueSubjects() {
     std::ifstream in(ZOR_SOURCE_DIR "/share/catalog/en/zorvane.msg");
-    std::set<std::string> numbers;
-    bool isCommands = false;
+    std::set<std::string> subjects;
+    std::string prefix;
     for (std::string line; std::getline(in, line);) {
         if (line.starts_with("$set "))
-            isCommands = line == "$set 433";
-        else if (isCommands && !line.empty() && line.front() >= '0' && line.front() <= '9')
-            numbers.insert(line.substr(0, line.find(' ')));
+            prefix = line == "$set 433" ? "" : line.substr(5) + ":";
+        else if (!line.empty() && line.front() >= '0' && line.front() <= '9')
+            subjects.insert(prefix + line.substr(0, line.find(' ')));
     }
-    return numbers;
+    return subjects;
 }
 
 TEST(Explain, coversEveryMessageAndEveryFindingAndNothingElse) {
-    std::set<std::string> subjects = catalogueNumbers();
-    EXPECT_GT(subjects.size(), 30U);
+    std::set<std::string> subjects = catalogueSubjects();
+    EXPECT_GT(subjects.size(), 45U);
     for (const FindingDescriptor& finding : allFindings()) {
         subjects.insert(finding.identifier);
         EXPECT_TRUE(std::regex_match(finding.identifier, std::regex("[a-z]+\\.[a-z]+")))
@@ -45,6 +45,9 @@ TEST(Explain, coversEveryMessageAndEveryFindingAndNothingElse) {
         for (const std::string_view part : {explanation.meaning, explanation.cause, explanation.remedy})
             EXPECT_TRUE(part.ends_with('.')) << explanation.subject;
     }
+    EXPECT_EQ(findExplanation("926"), findExplanation("128:926"));
+    EXPECT_EQ(findExplanation("433:14"), findExplanation("14"));
+    EXPECT_FALSE(findExplanation("128:14"));
 }
 
 TEST(Explain, thePageOfTheDocumentationIsUpToDate) {

@@ -81,7 +81,7 @@ TEST(LayoutPictures, giveTinyPartsRoomAndCountWhatHasNone) {
     std::size_t parts = 0;
     for (const BarCell& cell : bar.cells) {
         parts += cell.hidden + (cell.chain.empty() ? 0 : 1);
-        EXPECT_GE(cell.width, MIN_CELL - 0.01);
+        EXPECT_GE(cell.width, MIN_CELL / 2 - 0.01);
     }
     EXPECT_EQ(parts, 100U);
 }
@@ -114,6 +114,32 @@ TEST(LayoutPictures, drawAPoolOverSeveralDisksOnce) {
     }
     EXPECT_EQ(across, "rpool tank ");
     EXPECT_EQ(bars["Disks"], 7U);
+}
+
+// A picture's parts of one disk or of what spans several, row by row: "flint01 600; steel-01 450, free 150".
+std::string drawnOn(const Layout& layout, const std::string& name, double width) {
+    std::map<unsigned, std::string> rows;
+    for (const BarSection& section : planBars(layout, width).sections)
+        for (const Bar& bar : section.bars)
+            if (layout.nodes[bar.node].name == name)
+                for (const BarCell& cell : bar.cells)
+                    rows[cell.row] +=
+                        (rows[cell.row].empty() ? "" : ", ") +
+                        (cell.chain.empty() ? "free" : titleOf(layout.nodes[cell.chain.back()])) + ' ' +
+                        std::to_string(std::lround(cell.width)) + ' ' + sizeText(cell.bytes);
+    std::string text;
+    for (const auto& [row, cells] : rows)
+        text += (row > 0 ? "; " : "") + cells;
+    return text;
+}
+
+TEST(LayoutPictures, drawWhatIsSmallerThanWhatItLiesOn) {
+    EXPECT_EQ(drawnOn(layoutOfSample("families/flint17"), "hdisk8", 600),
+              "flint01 400 200 GiB; QUFS 300 150 GiB, free 100 50 GiB");
+    // What takes the same slice lies one over the other, and half of it is nobody's.
+    EXPECT_EQ(drawnOn(layoutOfSample("families/copper11"), "c2t0d0", 1536),
+              "UFS 60 120 GiB, c2t0d0s1 20 40 GiB, /dev/dsk/c2t0d0s6 15 30 GiB, free 5 10 GiB;"
+              " tank 20 40 GiB; /dev/dsk/c2t0d0s1 20 40 GiB");
 }
 
 struct HostileCase {

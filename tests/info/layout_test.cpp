@@ -173,18 +173,30 @@ TEST(LayoutTree, isATableOfNestedNames) {
                  Form::Tree),
         "quay, configuration current: 2 disks, 4 KiB; boots from d0, d1.\n"
         "\n"
-        "NAME         SIZE  WHAT            FILE SYSTEM  MOUNTED AT  NOTES\n"
-        "d0          3 KiB  disk                                     boots\n"
+        "NAME         SIZE  WHAT\n"
+        "d0          3 KiB  disk; boots\n"
         "`- r1       1 KiB  region\n"
         "   `- p1           plex\n"
-        "      `- C  1 KiB  volume, mirror  NTFS \"Sys\"   C:\\         boots\n"
-        "d1          1 KiB  disk                                     boots\n"
+        "      `- C  1 KiB  volume, mirror; NTFS \"Sys\" at C:\\; boots\n"
+        "d1          1 KiB  disk; boots\n"
         "`- r2       1 KiB  region\n"
         "   `- p2           plex\n"
-        "      `- C  1 KiB  volume, mirror                           shown above\n"
+        "      `- C  1 KiB  volume, mirror; shown above\n"
         "\n"
         "Not on any disk:\n"
         "lost               volume\n");
+}
+
+TEST(LayoutTree, breaksLinesThatAreTooWide) {
+    std::setlocale(LC_ALL, "C");
+    const std::string store(30, 's');
+    Layout layout =
+        layoutOfRows("WindowsDisk Id=1 Name=d0 Length=1024; WindowsRegion Name=r1 WindowsDiskId=1");
+    layout.nodes[0].mountedAt = {store, store, "end"};
+    const std::string text = rendered(layout, Form::Tree);
+    EXPECT_NE(text.find("d0     1 KiB  disk at " + store + ",\n|             " + store + ", end\n`- r1 "),
+              std::string::npos)
+        << text;
 }
 
 TEST(LayoutTarget, sendsDisksToDataStores) {
@@ -242,6 +254,8 @@ TEST(LayoutLabels, areShortAndHarmless) {
         EXPECT_EQ(shown(text), expected);
     EXPECT_EQ(shown("123456", 6), "123456");
     EXPECT_EQ(shown("1234567", 6), "12345\xE2\x80\xA6");
+    EXPECT_EQ(shortened("M\xC3\xBCller", 6), "M\xC3\xBCller");
+    EXPECT_EQ(shortened("M\xC3\xBCllerM\xC3\xBC", 6), "M\xC3\xBC\xE2\x80\xA6rM\xC3\xBC");
     EXPECT_EQ(lettersIn(shown(std::string(1 << 20, 'x'))), MAX_SHOWN_NAME);
 }
 

@@ -16,11 +16,13 @@ constexpr const char* BLOCK_DEVICES = R"json({"blockdevices": [
   {"name":"sda","kname":"sda","path":"/dev/sda","maj:min":"8:0","type":"disk","size":107374182400,"ro":false,
    "log-sec":512,"pttype":"gpt","hctl":"0:1:2:3","tran":"sas","children":[
     {"name":"sda1","kname":"sda1","path":"/dev/sda1","maj:min":"8:1","type":"part","size":536870912,
-     "parttype":"c12a7328-f81f-11d2-ba4b-00a0c93ec93b","fstype":"vfat","uuid":"AB12-CD34","fsavail":400000000},
+     "parttype":"c12a7328-f81f-11d2-ba4b-00a0c93ec93b","fstype":"vfat","uuid":"AB12-CD34"},
     {"name":"sda2","kname":"sda2","path":"/dev/sda2","maj:min":"8:2","type":"part","size":53687091200,
      "parttype":"a19d880f-05fc-4d3b-a006-743f0f84911e","fstype":"linux_raid_member","uuid":"4f1c-md","children":[
       {"name":"md0","kname":"md0","path":"/dev/md0","maj:min":"9:0","type":"raid1","size":53653536768,"ro":"0",
-       "fstype":"ext4","label":"root","uuid":"1111-root"}]},
+       "fstype":"ext4","label":"root","uuid":"1111-root","children":[
+        {"name":"md0p1","kname":"md0p1","path":"/dev/md0p1","type":"part","size":1048576,"parttype":"0x83",
+         "fstype":"ext3","uuid":"5555-part"}]}]},
     {"name":"sda3","kname":"sda3","path":"/dev/sda3","maj:min":"8:3","type":"part","size":42949672960,
      "parttype":"e6d6d379-f507-44c2-a23c-238f2a3df928","fstype":"LVM2_member","children":[
       {"name":"quay--vg-data--1","kname":"dm-0","path":"/dev/mapper/quay--vg-data--1","maj:min":"253:0","type":"lvm",
@@ -67,20 +69,27 @@ constexpr struct {
     {"proc/sys/kernel/arch", "x86_64\n"},
     {"proc/cpuinfo", "processor\t: 0\nmodel\t: x\n\nprocessor\t: 1\nmodel\t: x\n"},
     {"proc/meminfo", "MemFree:  12 kB\nMemTotal:       16384 kB\n"},
-    {"proc/mounts", "proc /proc proc rw 0 0\n/dev/md0 / ext4 rw 0 0\n/dev/sda1 /boot/efi vfat rw 0 0\n"
-                    "/dev/sdc /whole\\040disk xfs rw,noatime 0 0\n/dev/loop7 /snap squashfs ro 0 0\n"},
-    {"etc/os-release", "NAME=x\nID=\"quayos\"\nVERSION_ID='12.4'\n"},
+    {"proc/self/mountinfo",
+     "21 1 0:20 / /proc rw - proc proc rw\n22 1 9:0 / / rw shared:1 - ext4 /dev/md0 rw\n"
+     "23 22 8:1 / /boot/efi rw - vfat /dev/sda1 rw\n"
+     "24 22 8:32 / /whole\\040disk rw,noatime - xfs /dev/sdc ro,noquota\n"
+     "25 22 7:7 / /snap ro - squashfs /dev/loop7 ro\n26 22 9:0 /srv /export rw shared:1 - ext4 /dev/md0 rw\n"
+     "27 22 0:40 /@home /home rw - btrfs /dev/mapper/quay--vg-data--1 rw,subvolid=258,subvol=/@home\n"
+     "28 22 0:40 /@home/ann /ann rw - btrfs /dev/mapper/quay--vg-data--1 rw,subvolid=258,subvol=/@home\n"
+     "29 22 0:40 /@ /all rw - btrfs /dev/mapper/quay--vg-data--1 rw,subvolid=256,subvol=/@\n"},
+    {"etc/os-release", "NAME=x\nID=\"quay\x1bos\"\nVERSION_ID='12.4'\n"},
     {"etc/default/locale", "LANG=en_GB.UTF-8\n"},
     {"etc/resolv.conf", "search corp.example lab.example\nnameserver 10.20.0.2\nnameserver fe80::1\n"},
     {"etc/fstab",
      "# made by hand\nUUID=1111-root / ext4 errors=remount-ro 0 1\n/dev/sda1 /boot/efi vfat umask=0077 0 2\n"
      "/dev/quay-vg/data-1 /data btrfs subvol=/@data,subvolid=257 0 0\n"
      "/dev/mapper/quay--vg-data--1 /all btrfs defaults\nUUID=3333-swap none swap sw 0 0\n"
-     "filer:/export /net nfs rw 0 0\n"},
-    {"etc/lvm/backup/quay-vg",
-     "quay-vg {\n\textent_size = 8192\n\tpv0 {\n\t\tpe_count = 10239\n\t}\n\tpv1 {\n\t\tpe_count "
-     "= 255\n\t}\n}\n"},
+     "filer:/export /net nfs rw 0 0\n/data/pub /pub none rw,bind 0 0\n"},
+    {"etc/lvm/backup/quay-vg", "quay-vg {\n\textent_size = 8192\n\tmax_lv = 64\n\tmax_pv = 8\n\tpv0 "
+                               "{\n\t\tpe_count = 10239\n\t}\n\tpv1 {\n\t\tpe_count "
+                               "= 255\n\t}\n}\n"},
     {"sys/firmware/efi/fw_platform_size", "64\n"},
+    {"sys/class/tty/console/active", "tty0\n"},
     {"sys/class/net/eth0/device/uevent", "DRIVER=quaynet\nPCI_SLOT_NAME=0000:04:00.0\n"},
     {"sys/class/net/eth1/device/uevent", ""},
     {"sys/class/scsi_host/host0/proc_name", "ahci\n"},
@@ -153,9 +162,9 @@ TEST_F(CaptureTest, DescribesTheMachine) {
     } cases[] = {
         {"Config", {"ClientName", "Type", "CreateTime"}, "quay21.corp.example DISCOVERED 1795384800"},
         {"System",
-         {"Hostname", "Os", "OsLevel", "OsQualifier", "KernelVersion", "Architecture", "Language", "Firmware",
-          "NumberOfCPUs", "TotalPhysicalMemorySize"},
-         "quay21 LINUX 12.4 quayos 6.1.0-17 x86_64 en_GB.UTF-8 UEFI 2 16777216"},
+         {"Hostname", "Os", "OsLevel", "OsQualifier", "KernelVersion", "Architecture", "Console", "Language",
+          "Firmware", "NumberOfCPUs", "TotalPhysicalMemorySize"},
+         "quay21 LINUX 12.4 quay_os 6.1.0-17 x86_64 tty0 en_GB.UTF-8 UEFI 2 16777216"},
         {"Network", {"DefaultGateway", "DomainName"}, "10.20.90.1 corp.example"},
         {"NetworkInterface",
          {"Name", "Description", "DhcpEnabled", "Boot", "Location", "ConnectionStatus"},
@@ -193,32 +202,34 @@ TEST_F(CaptureTest, DescribesTheMachine) {
          "1 0 2 1 / 0 1 4 1"},
         {"LinuxVolumeGroup",
          {"Name", "Uuid", "Length", "PhysicalExtentSize", "AllocatedPhysicalExtents",
-          "AvailablePhysicalExtents"},
-         "quay-vg q7Xb1c-3kPz-Vw9e-0aRt-LmN2-xY4u-Zs8dHk 44015026176 4096 8192 2302"},
+          "AvailablePhysicalExtents", "AutoBackup", "MaxPhysicalVolumes", "MaxLogicalVolumes"},
+         "quay-vg q7Xb1c-3kPz-Vw9e-0aRt-LmN2-xY4u-Zs8dHk 44015026176 4096 8192 2302 1 8 64"},
         {"LinuxLogicalVolume",
-         {"Name", "Number", "CurrentLogicalExtents", "Minor", "ReadAhead", "Swap"},
-         "/dev/quay-vg/data-1 0 5120 0 256 0 / /dev/quay-vg/swap 1 1024 1 0 1 / /dev/quay-vg/wide 2 2048 2 0 "
-         "0"},
+         {"Name", "Number", "CurrentLogicalExtents", "Minor", "ReadAhead", "Swap", "Layout", "Columns",
+          "Copies"},
+         "/dev/quay-vg/data-1 0 5120 0 256 0 CONCATENATED 1 1 / /dev/quay-vg/swap 1 1024 1 0 1 CONCATENATED "
+         "1 1 / "
+         "/dev/quay-vg/wide 2 2048 2 0 0 EMPTY 0 0"},
         {"LinuxPhysicalVolume", {"Name", "LinuxVolumeGroupId"}, "/dev/sda3 1 / /dev/sdb5 1"},
         {"LinuxPartitionToPhysicalVolume", {"LinuxPartitionId", "LinuxPhysicalVolumeId"}, "3 1 / 5 2"},
         {"LinuxLogicalExtent",
          {"Length", "LinuxPhysicalVolumeId", "LinuxLogicalVolumeId"},
          "21474836480 1 1 / 4294967296 1 2"},
         {"LinuxFileSystem",
-         {"Type", "Label", "AvailableSpace", "Uuid"},
-         "VFAT  400000000 AB12-CD34 / EXT4 root 0 1111-root / BTRFS  0 2222-data / SWAP  0 3333-swap / XFS  "
-         "0 "
-         "4444-whole"},
+         {"Type", "Label", "Uuid"},
+         "VFAT  AB12-CD34 / EXT4 root 1111-root / EXT3  5555-part / BTRFS  2222-data / SWAP  3333-swap / "
+         "XFS  4444-whole"},
         {"LinuxFileSystemToPartition", {"LinuxPartitionId", "LinuxFileSystemId"}, "1 1"},
         {"LinuxFileSystemToMultiDevice", {"LinuxMultiDeviceId", "LinuxFileSystemId"}, "1 2"},
-        {"LinuxFileSystemToLogicalVolume", {"LinuxLogicalVolumeId", "LinuxFileSystemId"}, "1 3 / 2 4"},
+        {"LinuxFileSystemToLogicalVolume", {"LinuxLogicalVolumeId", "LinuxFileSystemId"}, "1 4 / 2 5"},
         {"LinuxMountPoint",
          {"Name", "MountOptions", "FsFreq", "FsPassNumber", "LinuxFileSystemId"},
-         "/ errors=remount-ro 0 1 2 / /boot/efi umask=0077 0 2 1 / /all defaults 0 0 3 / swap sw 0 0 4 / "
-         "/whole disk "
-         "rw,noatime 0 0 5"},
-        {"Subvolume", {"SubvolumeNum", "SubvolumePath", "LinuxFileSystemId"}, "257 /@data 3"},
-        {"SubvolumeMountPoint", {"Name", "SubvolumeId"}, "/data 1"},
+         "/ errors=remount-ro 0 1 2 / /boot/efi umask=0077 0 2 1 / swap sw 0 0 5 / "
+         "/whole disk ro,noatime,noquota 0 0 6"},
+        {"Subvolume",
+         {"SubvolumeNum", "SubvolumePath", "LinuxFileSystemId"},
+         "257 /@data 4 / 256 /@ 4 / 258 /@home 4"},
+        {"SubvolumeMountPoint", {"Name", "SubvolumeId"}, "/data 1 / /all 2 / /home 3"},
         {"LinuxScsiDriver", {"LoadOrder", "DriverName"}, "1 ahci / 2 mpt3sas"},
         {"LinuxBootLoader", {"Type"}, "EFIGRUBX64"},
         {"LinuxBootLoaderToPartition", {"LinuxPartitionId", "LinuxBootLoaderId"}, "1 1"},
@@ -231,19 +242,80 @@ TEST_F(CaptureTest, DescribesTheMachine) {
 TEST_F(CaptureTest, TellsWhatItLeavesOut) {
     const std::vector<std::string> leftOut = captureMachine(machine(), m_rows);
     const char* const expected[] = {
-        "eth0: address fd00::7",  "veth3: an interface",
-        "name server fe80::1",    "/dev/sr0: a device of type rom",
-        "/dev/sdb6: a partition", "/dev/mapper/quay--vg-wide: how",
-        "of type zonefs",         "/dev/sdc: that its file system",
-        "/net: mounted from",     "/snap: mounted from",
-        "/dev/zram0: a device",   "/dev/sda1: the inodes",
-        "-data--1: the inodes",   "/dev/sdc: the inodes",
+        "eth0: address fd00::7",
+        "veth3: an interface",
+        "name server fe80::1",
+        "/dev/sr0: a device of type rom",
+        "/dev/sdb6: a partition",
+        "/dev/mapper/quay--vg-wide: how",
+        "of type zonefs",
+        "/dev/sdc: that its file system",
+        "/net: mounted from",
+        "/snap: mounted from",
+        "/dev/zram0: a device",
+        "/dev/sda1: the free space and the inodes",
+        "-data--1: the free space and the inodes",
+        "/dev/sdc: the free space and the inodes",
+        "/dev/md0p1: a part of",
+        "/dev/md0p1: that its file system",
+        "/dev/md0p1: the free space and the inodes",
+        "/export: a part",
+        "/ann: a part",
+        "/pub: a part",
+        "System OsQualifier: control characters",
     };
     for (const char* thing : expected)
         EXPECT_TRUE(std::ranges::any_of(leftOut, [&](const std::string& line) {
             return line.find(thing) != std::string::npos;
         })) << thing;
-    EXPECT_EQ(leftOut.size(), std::size(expected));
+    EXPECT_EQ(leftOut.size(), std::size(expected)) << testing::PrintToString(leftOut);
+    EXPECT_GT(m_rows.m_vLinuxFileSystem[1]->getAvailableSpace(), 0) << "of the file system that is mounted";
+}
+
+TEST_F(CaptureTest, TellsWhatItCanNotRead) {
+    const struct {
+        const char *gone, *line;
+    } cases[] = {
+        {"etc/os-release", "the system's level"},
+        {"etc/os-release", "the system's kind"},
+        {"proc/sys/kernel/osrelease", "the kernel's version"},
+        {"sys/class/tty", "the console"},
+        {"etc/default", "the language"},
+        {"proc/cpuinfo", "the number of processors"},
+        {"proc/meminfo", "the memory's size"},
+        {"sys/firmware", "the firmware"},
+        {"etc/resolv.conf", "the name servers"},
+        {"etc/fstab", "what is mounted when"},
+        {"proc/self/mountinfo", "what is mounted now"},
+        {"etc/lvm/backup", "volume group quay-vg: its extents"},
+        {"sys/class/block/dm-0/dm/uuid", "volume group quay-vg: its identifier"},
+        {"sys/class/block/md0/md", "/dev/md0: how it is made"},
+        {"\"uuid\"", "/dev/md0: its identifier"},
+        {"\"uuid\"", "/dev/sdc: its file system's identifier"},
+        {"\"pttype\"", "/dev/sda: its partition table"},
+        {"\"parttype\"", "/dev/sda1: its type"},
+        {"routes", "the routes"},
+    };
+    for (const auto& [gone, line] : cases) {
+        MachineSources source = machine();
+        const std::string name = gone;
+        const auto tells = [&] {
+            CZor rows;
+            const auto leftOut = captureMachine(source, rows);
+            return std::ranges::any_of(leftOut, [&](const auto& thing) { return thing.starts_with(line); });
+        };
+        EXPECT_FALSE(tells()) << line;
+        const bool isFile = fs::exists(root() / name);
+        if (isFile)
+            fs::rename(root() / name, root() / "away");
+        else if (name == "routes")
+            source.routes.clear();
+        for (std::size_t at = 0; (at = source.blockDevices.find(name, at)) != std::string::npos;)
+            source.blockDevices.replace(at, name.size(), "\"x\"");
+        EXPECT_TRUE(tells()) << line;
+        if (isFile)
+            fs::rename(root() / "away", root() / name);
+    }
 }
 
 TEST_F(CaptureTest, ComesBackFromTheDatabaseAsItWas) {

@@ -1,32 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "model/enumerations.h"
 
+#include <fstream>
+#include <sstream>
+
 #include <gtest/gtest.h>
 
 namespace Zorvane {
 namespace {
 
-TEST(Enumerations, NamesOfTheDatabaseGiveTheirValues) {
-    const struct {
-        int value;
-        const EnumNames& names;
-        const char* name;
-    } cases[] = {
-        {1, enumNames::OsType, "NT"},
-        {5, enumNames::OsType, "LINUX"},
-        {1, enumNames::SrtState, "READY"},
-        {2, enumNames::DefinedState, "READY"},
-        {7, enumNames::ConfigType, "B2V_COPIED"},
-        {5, enumNames::TaskSubState, "FORMATING"},
-        {22, enumNames::FileSystemType, "REFS"},
-        {2, enumNames::FirmwareType, "UEFI"},
-        {3, enumNames::VdiskFormat, "THICK_LAZY"},
-        {36, enumNames::WindowsOsLevel, "W2K19_1809_CORE_SP0_X64"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(c.names.value(c.name), c.value) << c.names.enumeration << ' ' << c.name;
-        EXPECT_STREQ(c.names.name(c.value), c.name) << c.names.enumeration;
+TEST(Enumerations, NamesAreTheDatabases) {
+    std::ostringstream text;
+    for (const EnumNames* names : allEnumerations()) {
+        text << names->enumeration << ':';
+        std::int32_t value = 0;
+        for (const char* name : names->names) {
+            EXPECT_EQ(names->value(name), ++value) << names->enumeration << ' ' << name;
+            text << ' ' << names->name(value);
+        }
+        text << '\n';
     }
+    std::ostringstream listed;
+    listed << std::ifstream(ZOR_ENUMERATIONS_FILE).rdbuf();
+    EXPECT_EQ(text.str(), listed.str());
 }
 
 TEST(Enumerations, WhatIsNotInTheListIsUnset) {

@@ -5,10 +5,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
+#include <regex>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using testing::HasSubstr;
 using testing::IsSupersetOf;
 
 namespace Zorvane {
@@ -116,6 +118,26 @@ TEST(ManualPage, namesTheKeysOfTheConfiguration) {
     Names told = items(text, "Cm");
     told.merge(names(text, R"(^\.Ss Section (\w+)$)"));
     EXPECT_EQ(told, keys);
+}
+
+TEST(ManualPage, tellsTheMessagesAsTheyAreExplained) {
+    const std::string made = outputOf({"env", "LC_ALL=C", ZOR_PROGRAMS "/zorinfo", "explain", "--man"});
+    EXPECT_GT(made.size(), 1000U);
+    EXPECT_THAT(page("zorb2v.1"), HasSubstr(made)) << "take over what zorinfo explain --man writes";
+}
+
+TEST(ManualPage, tellsFailuresAsTheCompanionDoes) {
+    std::string source;
+    for (const char* folder : {"/src/info", "/src/bundle"})
+        for (const auto& entry :
+             std::filesystem::recursive_directory_iterator(ZOR_SOURCE_DIR + std::string(folder)))
+            if (entry.path().extension() == ".cpp")
+                source += sourceText(std::filesystem::relative(entry.path(), ZOR_SOURCE_DIR));
+    source = std::regex_replace(source, std::regex("\"\\s+\""), ""); // literals in a row are one
+    for (const std::string& failure : matches(page("zorinfo.1"), R"re(^\.It "zorinfo: (.+)"$)re"))
+        for (const std::string& piece :
+             matches(std::regex_replace(failure, std::regex(R"(\.\.\.|\\\(dq|\. )"), "\n"), R"(^(.{3,})$)"))
+            EXPECT_THAT(source, HasSubstr(piece));
 }
 
 class SubcommandPages : public testing::TestWithParam<const char*> {};

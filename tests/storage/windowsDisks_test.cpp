@@ -76,7 +76,7 @@ TEST(WindowsDisks, whatCannotBeConverted) {
            {layout + "; WindowsFileSystem WindowsVolumeId=9 Type=REFS", "0"}, // on no disk
            {restricted + reFs, "0"},
            {restricted + "; WindowsDisk Id=7; WindowsRegion WindowsDiskId=7 WindowsPlexId=1" + reFs, "1"}});
-    check(HasUnrestrictedDiskOnBus7,
+    check([](const CZor& zor) { return !FindUnrestrictedDisksOnBus7(zor).empty(); },
           {{"WindowsDisk BusType=7 Restricted=1 | BusType=6", "0"}, {"WindowsDisk BusType=7", "1"}});
 }
 

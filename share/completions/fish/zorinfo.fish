@@ -10,7 +10,7 @@ function __zorinfo_words
     for word in (commandline -opc)[2..]
         if test $skip = yes
             set skip no
-        else if contains -- $word --file --veconfig --wait
+        else if contains -- $word --file --veconfig --wait --client --config --output --legend --limit
             set skip yes
         else if not string match -q -- '-*' $word
             echo -- $word
@@ -39,13 +39,14 @@ function __zorinfo_subjects
     zorinfo explain 2>/dev/null | string replace -r ' .*' ''
 end
 
-set -l commands check configs draft explain inventory layout profiles tasks
+set -l commands bundle check configs draft explain inventory layout profiles tasks
 
 complete -c zorinfo -f
 complete -c zorinfo -l json -d 'Answer with a JSON document'
 complete -c zorinfo -l no-color -d 'No colours'
 complete -c zorinfo -l help -d 'Show a help text'
 complete -c zorinfo -n "not __fish_seen_subcommand_from $commands" -l version -d 'Show the version'
+complete -c zorinfo -n "not __fish_seen_subcommand_from $commands" -a bundle -d 'Gather what a support engineer needs'
 complete -c zorinfo -n "not __fish_seen_subcommand_from $commands" -a check -d 'Tell all that stands against a conversion'
 complete -c zorinfo -n "not __fish_seen_subcommand_from $commands" -a configs -d 'List the clients and their configurations'
 complete -c zorinfo -n "not __fish_seen_subcommand_from $commands" -a draft -d 'Write a configuration file for a client'
@@ -55,7 +56,16 @@ complete -c zorinfo -n "not __fish_seen_subcommand_from $commands" -a layout -d 
 complete -c zorinfo -n "not __fish_seen_subcommand_from $commands" -a profiles -d 'Show and compare recorded targets'
 complete -c zorinfo -n "not __fish_seen_subcommand_from $commands" -a tasks -d 'Tell what became of conversions'
 
-__zorb2v_options -c zorinfo -n '__fish_seen_subcommand_from check'
+__zorb2v_options -c zorinfo -n '__fish_seen_subcommand_from bundle check'
+
+complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l client -x -a '(__zorinfo_names)' \
+    -d 'With the configuration document of this client'
+complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l config -x -d 'That configuration of the client'
+complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l output -r -F -d 'The archive'
+complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l force -d 'Replace the files that stand there'
+complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l mask -d 'Stand-ins for names and addresses'
+complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l legend -r -F -d 'Write what the stand-ins stand for'
+complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l limit -x -d 'How long to wait for each answer'
 
 complete -c zorinfo -n '__zorinfo_at draft 1' -a '(__zorinfo_names)' -d Client
 complete -c zorinfo -n '__fish_seen_subcommand_from draft' -o vmserver -x -a '(__fish_print_hostnames)' \
@@ -72,6 +82,7 @@ complete -c zorinfo -n '__zorinfo_at configs 1' -a '(__zorinfo_names)' -d Client
 complete -c zorinfo -n '__fish_seen_subcommand_from configs' -l names -d 'Names alone, one a line'
 
 complete -c zorinfo -n '__zorinfo_at explain 1' -a '(__zorinfo_subjects)'
+complete -c zorinfo -n '__fish_seen_subcommand_from explain' -l man -d 'The messages as the lists of a manual page'
 complete -c zorinfo -n '__fish_seen_subcommand_from explain' -l md -d 'All of them as a page in Markdown'
 
 complete -c zorinfo -n '__fish_seen_subcommand_from inventory' -o vmserver -x -a '(__fish_print_hostnames)' \

@@ -8,7 +8,8 @@ function __zorlab_words
     for word in (commandline -opc)[3..]
         if test $skip = yes
             set skip no
-        else if contains -- $word --base-port --samples --fail --job-seconds --listen --estate --seed --clock
+        else if contains -- $word --base-port --samples --fail --job-seconds --listen --estate --seed --clock \
+                --client --config --output --legend
             set skip yes
         else if not string match -q -- '-*' $word
             echo -- $word
@@ -30,7 +31,7 @@ function __zorlab_scenarios
     zorlab scenario --json 2>/dev/null | string replace -f -r '^ *"name": "([^"]*)".*' '$1'
 end
 
-set -l commands init serve load export jobs scenario schema capture
+set -l commands init serve load export jobs scenario schema capture bundle
 
 complete -c zorlab -f
 complete -c zorlab -l help -d 'Show a help text'
@@ -42,8 +43,9 @@ complete -c zorlab -n "not __fish_seen_subcommand_from $commands" -a jobs -d 'Li
 complete -c zorlab -n "not __fish_seen_subcommand_from $commands" -a scenario -d 'List or prepare scenarios'
 complete -c zorlab -n "not __fish_seen_subcommand_from $commands" -a schema -d 'Describe the document and the database'
 complete -c zorlab -n "not __fish_seen_subcommand_from $commands" -a capture -d 'Write the document of this machine'
+complete -c zorlab -n "not __fish_seen_subcommand_from $commands" -a bundle -d 'Gather what a support engineer needs'
 
-for command in init serve load export jobs
+for command in init serve load export jobs bundle
     complete -c zorlab -n "__zorlab_at $command 1" -a '(__fish_complete_directories)'
 end
 complete -c zorlab -n '__fish_seen_subcommand_from load; and not __zorlab_at load 1' -F
@@ -71,3 +73,10 @@ complete -c zorlab -n '__fish_seen_subcommand_from serve' -l clock -x -d 'The ti
 complete -c zorlab -n '__fish_seen_subcommand_from schema' -l xsd -d 'The document, as an XML Schema'
 complete -c zorlab -n '__fish_seen_subcommand_from schema' -l sql -d 'The database, as SQL statements'
 complete -c zorlab -n '__fish_seen_subcommand_from schema' -l md -d 'A reference page of all tables'
+complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l client -x \
+    -d 'With the configuration document of this client'
+complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l config -x -d 'That configuration of the client'
+complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l output -r -F -d 'The archive'
+complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l force -d 'Replace the files that stand there'
+complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l mask -d 'Stand-ins for names and addresses'
+complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l legend -r -F -d 'Write what the stand-ins stand for'

@@ -13,7 +13,6 @@
 #include <cstdlib>
 #include <sstream>
 #include <string_view>
-#include <tuple>
 
 namespace Zorvane {
 
@@ -135,51 +134,6 @@ int browse(TargetTree& target, const std::string& master) {
     return 0;
 }
 
-// --- What the tree does not tell
-
-/// Asks the listings of single places.
-class Listings {
-  public:
-    Listings(TargetTree& target, const std::string& master) : m_target(target), m_master(master) {}
-
-    void fill(TargetDataCenter& dataCenter) {
-        if (m_target.isVCenter && !dataCenter.name.empty())
-            note("folders", dataCenter.name,
-                 m_connect.getVmFoldersList(dataCenter.folders, m_target.proxy, dataCenter.name,
-                                            m_target.server, m_master));
-        for (TargetCluster& cluster : dataCenter.clusters)
-            for (TargetHost& host : cluster.hosts)
-                fill(host);
-        for (TargetHost& host : dataCenter.hosts)
-            fill(host);
-    }
-
-    void fillMachines(TargetHost& host) {
-        note("machines", host.name,
-             m_connect.getVmList(host.machines, m_target.proxy, host.name, m_target.server, m_master));
-    }
-
-  private:
-    void fill(TargetHost& host) {
-        Names names;
-        const auto& [proxy, server] = std::tie(m_target.proxy, m_target.server);
-        note("resource pools", host.name,
-             m_connect.getRpoolList(names, host.pools, proxy, host.name, server, m_master));
-        note("networks", host.name,
-             m_connect.getVmNetworksList(host.networks, proxy, host.name, server, m_master));
-        note("data stores", host.name, m_connect.getDsList(host.stores, proxy, host.name, server, m_master));
-    }
-
-    void note(const char* what, const std::string& where, int status) {
-        if (status != 0)
-            m_target.unanswered.push_back({what, where, status});
-    }
-
-    TargetTree& m_target;
-    const std::string& m_master;
-    CZorb2vKvnrdConnect m_connect;
-};
-
 } // namespace
 
 TargetServers askServers(const std::string& master) {
@@ -202,18 +156,72 @@ TargetTree askTarget(const std::string& server, const std::string& proxy, const 
     target.server = listedName(server, names, "virtual machine server");
     target.proxy = listedName(proxy, known.proxies, "backup host");
     target.isVCenter = known.servers.at(target.server) == VM_SERVER_VCENTER;
-    Listings listings(target, master);
     if (target.isVCenter) {
         if (const int status = browse(target, master))
             giveUp("the objects of " + target.server, status, master);
     } else {
         TargetDataCenter& only = target.dataCenters.emplace_back();
         only.name = STANDALONE_DATA_CENTER;
-        listings.fillMachines(*addNamed(only.hosts, target.server));
+        TargetHost& host = *addNamed(only.hosts, target.server);
+        if (const int status = CZorb2vKvnrdConnect().getVmList(host.machines, target.proxy, host.name,
+                                                               target.server, master))
+            target.unanswered.push_back({"machines", host.name, status});
     }
-    for (TargetDataCenter& dataCenter : target.dataCenters)
-        listings.fill(dataCenter);
     return target;
+}
+
+std::string textOf(const UnansweredListing& listing) {
+    return listing.what + " of " + listing.place + " not told (status " + std::to_string(listing.status) +
+           ")";
+}
+
+void TargetListings::fillAll() {
+    const auto fill = [&](std::deque<TargetHost>& hosts) {
+        for (TargetHost& host : hosts) {
+            fillPools(host);
+            fillNetworks(host);
+            fillStores(host);
+        }
+    };
+    for (TargetDataCenter& dataCenter : m_target.dataCenters) {
+        fillFolders(dataCenter);
+        for (TargetCluster& cluster : dataCenter.clusters)
+            fill(cluster.hosts);
+        fill(dataCenter.hosts);
+    }
+}
+
+bool TargetListings::fillFolders(TargetDataCenter& dataCenter) {
+    if (!m_target.isVCenter || dataCenter.name.empty())
+        return true;
+    return note("folders", dataCenter.name,
+                CZorb2vKvnrdConnect().getVmFoldersList(dataCenter.folders, m_target.proxy, dataCenter.name,
+                                                       m_target.server, m_master));
+}
+
+bool TargetListings::fillPools(TargetHost& host) {
+    Names names;
+    return note("resource pools", host.name,
+                CZorb2vKvnrdConnect().getRpoolList(names, host.pools, m_target.proxy, host.name,
+                                                   m_target.server, m_master));
+}
+
+bool TargetListings::fillNetworks(TargetHost& host) {
+    return note("networks", host.name,
+                CZorb2vKvnrdConnect().getVmNetworksList(host.networks, m_target.proxy, host.name,
+                                                        m_target.server, m_master));
+}
+
+bool TargetListings::fillStores(TargetHost& host) {
+    return note(
+        "data stores", host.name,
+        CZorb2vKvnrdConnect().getDsList(host.stores, m_target.proxy, host.name, m_target.server, m_master));
+}
+
+bool TargetListings::note(const char* what, const std::string& where, int status) {
+    if (status != 0)
+        m_target.unanswered.push_back({what, where, status});
+    return status == 0;
 }
 
 } // namespace Zorvane

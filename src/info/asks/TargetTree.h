@@ -39,6 +39,9 @@ struct UnansweredListing {
     int status = 0;
 };
 
+/// "networks of esx01 not told (status 37)"
+std::string textOf(const UnansweredListing& listing);
+
 struct TargetTree {
     std::string server;
     bool isVCenter = false;
@@ -57,8 +60,28 @@ struct TargetServers {
 // InfoFailure: for a daemon that does not answer, and for a server or a proxy that nobody knows.
 
 TargetServers askServers(const std::string& master);
-/// The server and the backup host in their listed spelling, whatever the case of the names given. Listings of
-/// single places that fail leave their part of the tree empty.
+/// The server and the backup host in their listed spelling, whatever the case of the names given. Of folders,
+/// pools, networks and data stores nothing is asked yet.
 TargetTree askTarget(const std::string& server, const std::string& proxy, const std::string& master);
+
+/// Asks for the rest of a tree, place by place. A listing that fails leaves its part empty and is noted
+/// there.
+class TargetListings {
+  public:
+    TargetListings(TargetTree& target, const std::string& master) : m_target(target), m_master(master) {}
+
+    void fillAll();
+    // False if the listing failed.
+    bool fillFolders(TargetDataCenter& dataCenter);
+    bool fillPools(TargetHost& host);
+    bool fillNetworks(TargetHost& host);
+    bool fillStores(TargetHost& host);
+
+  private:
+    bool note(const char* what, const std::string& where, int status);
+
+    TargetTree& m_target;
+    const std::string& m_master;
+};
 
 } // namespace Zorvane

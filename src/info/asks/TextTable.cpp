@@ -2,13 +2,11 @@
 #include "info/asks/TextTable.h"
 
 #include "info/layout/labels.h"
-#include "info/paragraphs.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <ctime>
-#include <numeric>
 #include <ostream>
 
 namespace Zorvane {
@@ -16,7 +14,7 @@ namespace Zorvane {
 namespace {
 
 constexpr std::size_t GAP = 2;
-constexpr std::size_t NARROWEST = 12; ///< no column is made narrower for the sake of others
+constexpr std::size_t WIDEST = 40; ///< of a column: a text that is longer does not push the other rows
 
 std::string dateText(std::int64_t seconds, const char* form,
                      std::tm* (*toFields)(const std::time_t*, std::tm*)) {
@@ -47,15 +45,8 @@ std::vector<std::size_t> TextTable::widths() const {
     std::vector<std::size_t> widths(m_rows.front().size());
     for (const auto& row : m_rows)
         for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], terminalColumns(row[i]));
-    // The last column needs no room behind it; the widest of the others give way.
-    const std::size_t gaps = GAP * (widths.size() - 1);
-    while (std::accumulate(widths.begin(), widths.end(), gaps) > TERMINAL_WIDTH) {
-        const auto widest = std::max_element(widths.begin(), widths.end() - 1);
-        if (widest == widths.end() - 1 || *widest <= NARROWEST)
-            break;
-        --*widest;
-    }
+            if (const std::size_t columns = terminalColumns(row[i]); columns <= WIDEST)
+                widths[i] = std::max(widths[i], columns);
     return widths;
 }
 
@@ -77,6 +68,11 @@ void TextTable::write(const Session& session) const {
 
 std::string minuteText(std::int64_t seconds) {
     const std::string text = dateText(seconds, "%Y-%m-%d %H:%M", ::localtime_r);
+    return text.empty() ? "-" : text;
+}
+
+std::string dayText(std::int64_t seconds) {
+    const std::string text = dateText(seconds, "%m-%d %H:%M", ::localtime_r);
     return text.empty() ? "-" : text;
 }
 

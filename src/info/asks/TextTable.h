@@ -10,8 +10,8 @@
 
 namespace Zorvane {
 
-/// Rows under titles, within the width of a terminal where their texts allow. No text is cut, for names are
-/// there to be copied: one that is too long pushes the rest of its row to the right.
+/// Rows under titles. No text is cut, for names are there to be copied: one of great length pushes the rest
+/// of its row to the right, and leaves the other rows alone.
 class TextTable {
   public:
     /// Control characters and the like are replaced, here and in the cells.
@@ -30,6 +30,8 @@ class TextTable {
 
 /// A time of the recovery database in local time, to the minute; "-" for none.
 std::string minuteText(std::int64_t seconds);
+/// The same without the year, for what is not long ago.
+std::string dayText(std::int64_t seconds);
 /// The same for documents: UTC, to the second; empty for none.
 std::string timestampText(std::int64_t seconds);
 /// A name of an enumeration in words: "VM_CREATING" is "vm creating".

@@ -213,7 +213,8 @@ void run(const std::vector<std::string>& words, Session& session) {
         const TargetServers known = askServers(options.master);
         return session.isJson() ? session.writeJson(documentOf(known)) : writeServers(known, session);
     }
-    const TargetTree target = askTarget(options.server, options.proxy, options.master);
+    TargetTree target = askTarget(options.server, options.proxy, options.master);
+    TargetListings(target, options.master).fillAll();
     if (session.isJson())
         session.writeJson(documentOf(target));
     else

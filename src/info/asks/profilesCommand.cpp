@@ -156,14 +156,14 @@ void addProfiles(CLI::App& app, Session& session) {
     const auto names = std::make_shared<std::pair<std::string, std::string>>();
     CLI::App* command = app.add_subcommand("profiles", "List the recorded targets, show one, compare two.");
     CLI::App* showOne = command->add_subcommand("show", "Show all of a profile.");
-    showOne->add_option("name", names->first, "the profile")->type_name("NAME")->required();
+    showOne->add_option("NAME", names->first, "the profile")->type_name("")->required();
     showOne->callback([names, &session] {
         ClassTrace trace(g_appLog, "profilesCommand:show()", ", name=", names->first);
         show(names->first, session);
     });
     CLI::App* diff = command->add_subcommand("diff", "Show what differs between two profiles.");
-    diff->add_option("first", names->first, "a profile")->type_name("NAME")->required();
-    diff->add_option("second", names->second, "another")->type_name("NAME")->required();
+    diff->add_option("FIRST", names->first, "a profile")->type_name("")->required();
+    diff->add_option("SECOND", names->second, "another")->type_name("")->required();
     diff->callback([names, &session] {
         ClassTrace trace(g_appLog, "profilesCommand:diff()", ", first=", names->first,
                          ", second=", names->second);

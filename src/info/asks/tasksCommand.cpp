@@ -66,19 +66,18 @@ void writeTables(const Conversions& conversions, bool ofAllClients, const Sessio
         TextTable table({"RUNNING", "STATE", "STEP", "SINCE", "MACHINE"});
         for (const CP2VRestoreTask& task : conversions.running)
             table.add({taskName(task), wordsOf(toName(task.getState())), wordsOf(toName(task.getOperation())),
-                       minuteText(task.getCreateTime()), task.getVmName()});
+                       dayText(task.getCreateTime()), task.getVmName()});
         table.write(session);
     }
     if (conversions.finished.empty())
         return;
     out << '\n';
-    TextTable table({"FINISHED", "RESULT", "SINCE", "ENDED", "MACHINE"});
+    TextTable table({"FINISHED", "RESULT", "ENDED", "MACHINE"});
     const std::size_t shownRows =
         ofAllClients ? std::min(MOST_FINISHED, conversions.finished.size()) : conversions.finished.size();
     for (std::size_t i = 0; i < shownRows; ++i) {
         const CP2VRestoreTaskLog& log = conversions.finished[i];
-        table.add({taskName(log), resultOf(log), minuteText(log.getCreateTime()),
-                   minuteText(log.getEndTime()), log.getVmName()});
+        table.add({taskName(log), resultOf(log), minuteText(log.getEndTime()), log.getVmName()});
     }
     table.write(session);
     if (shownRows < conversions.finished.size())

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info/check/CollectedFindings.h"
 
+#include "info/check/similarNames.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -8,21 +10,22 @@ namespace Zorvane {
 
 namespace {
 
-bool isAbout(const Finding& finding, FindingKind kind, const std::string& value) {
-    return std::string_view(describe(finding.kind).identifier) == describe(kind).identifier &&
-           finding.value == value;
+bool isSame(const Finding& first, const Finding& second) {
+    return std::string_view(describe(first.kind).identifier) == describe(second.kind).identifier &&
+           first.value == second.value && first.text == second.text;
 }
 
-int lineOf(const Finding& finding, const VEconfigLines& lines, const B2VInput& input) {
-    const std::string key = describe(finding.kind).key;
+std::vector<int> linesOf(const Finding& finding, const VEconfigLines& lines, const B2VInput& input) {
+    const std::string key = keyOf(finding);
+    std::vector<int> found;
     if (const auto at = lines.keys.find(key); at != lines.keys.end())
-        return at->second;
-    // A data store that no line of its own sets is that of the first disk.
+        found.push_back(at->second);
     if (key == "harddisk" || key == "datastore")
         for (std::size_t i = 0; i < std::min(input.diskMap.size(), lines.hardDisks.size()); ++i)
             if (input.diskMap[i].dataStoreName == finding.value || input.diskMap[i].diskName == finding.value)
-                return lines.hardDisks[i];
-    return 0;
+                found.push_back(lines.hardDisks[i]);
+    std::sort(found.begin(), found.end());
+    return found;
 }
 
 } // namespace
@@ -30,11 +33,6 @@ int lineOf(const Finding& finding, const VEconfigLines& lines, const B2VInput& i
 bool CollectedFindings::has(FindingKind kind) const {
     return std::any_of(m_findings.begin(), m_findings.end(),
                        [&](const Finding& finding) { return finding.kind == kind; });
-}
-
-bool CollectedFindings::has(FindingKind kind, const std::string& value) const {
-    return std::any_of(m_findings.begin(), m_findings.end(),
-                       [&](const Finding& finding) { return isAbout(finding, kind, value); });
 }
 
 const Finding* CollectedFindings::firstThatBlocks() const {
@@ -51,14 +49,25 @@ std::size_t CollectedFindings::count(Severity severity) const {
 }
 
 void CollectedFindings::blameLines(const VEconfigLines& lines, const B2VInput& input) {
-    for (Finding& finding : m_findings)
-        if (finding.line == 0)
-            finding.line = lineOf(finding, lines, input);
+    for (Finding& finding : m_findings) {
+        if (!finding.lines.empty())
+            continue;
+        // A data store that no line of its own sets is that of the first disk.
+        if (keyOf(finding) == "datastore" && !lines.keys.contains("datastore") && !lines.hardDisks.empty())
+            finding.key = "harddisk";
+        finding.lines = linesOf(finding, lines, input);
+    }
+}
+
+std::string CollectedFindings::meantBy(const Finding& unknown) const {
+    const std::vector<std::string> names = similarNames(unknown.value, unknown.candidates);
+    return names.size() == 1 ? names.front() : std::string();
 }
 
 void CollectedFindings::take(const Finding& finding) {
     // Lines of the file are findings of their own, whatever they say.
-    if (finding.line != 0 || !has(finding.kind, finding.value))
+    if (!finding.lines.empty() || std::none_of(m_findings.begin(), m_findings.end(),
+                                               [&](const Finding& other) { return isSame(other, finding); }))
         m_findings.push_back(finding);
 }
 

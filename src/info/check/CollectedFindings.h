@@ -17,13 +17,14 @@ class CollectedFindings : public Findings {
     [[nodiscard]] const std::vector<Finding>& all() const { return m_findings; }
     [[nodiscard]] std::vector<Finding>& all() { return m_findings; }
     [[nodiscard]] bool has(FindingKind kind) const;
-    [[nodiscard]] bool has(FindingKind kind, const std::string& value) const;
     /// What zorb2v would stop at; null if it wouldn't.
     [[nodiscard]] const Finding* firstThatBlocks() const;
     [[nodiscard]] std::size_t count(Severity severity) const;
 
-    /// Names the line of the configuration file for each finding about a value of it.
+    /// Names the lines of the configuration file for each finding about a value of it.
     void blameLines(const VEconfigLines& lines, const B2VInput& input);
+    /// The one name that exists and is near.
+    [[nodiscard]] std::string meantBy(const Finding& unknown) const override;
 
   private:
     void take(const Finding& finding) override;

@@ -6,8 +6,9 @@
 
 namespace Zorvane {
 
-/// Adds to the findings about wanted files which backups hold them, and warns of a newest full backup that is
-/// much older than the client's configuration. Asks the catalogue; one that doesn't answer adds nothing.
+/// Adds to the findings about wanted files which backup holds them, and why it does not do; else warns of a
+/// newest full backup that is much older than the client's configuration. Asks the catalogue; what it does
+/// not answer is told, too.
 void lookIntoBackups(const B2VInput& input, CollectedFindings& findings);
 
 } // namespace Zorvane

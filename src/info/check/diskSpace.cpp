@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info/check/diskSpace.h"
 
+#include "info/layout/labels.h"
 #include "model/windows_records.h"
 #include "platform/stringManipulation.h"
 #include "storage/volfind.h"
 #include "storage/windowsDisks.h"
 
 #include <algorithm>
+#include <limits>
 #include <set>
 
 namespace Zorvane {
@@ -14,6 +16,7 @@ namespace Zorvane {
 namespace {
 
 constexpr std::int64_t BYTES_PER_MB = 1048576;
+constexpr std::int64_t MOST_MB = std::numeric_limits<std::int64_t>::max() / BYTES_PER_MB;
 
 std::set<ID> disksOfSystem(const CZor& config) {
     std::set<ID> disks;
@@ -76,6 +79,11 @@ void reportMap(const B2VInput& input, const std::vector<ClientDisk>& disks, Find
 
 } // namespace
 
+std::string megabytesText(std::int64_t megabytes) {
+    const std::int64_t bytes = std::clamp(megabytes, -MOST_MB, MOST_MB) * BYTES_PER_MB;
+    return bytes < 0 ? "-" + sizeText(-bytes) : sizeText(bytes);
+}
+
 std::vector<ClientDisk> convertedDisks(const B2VInput& input) {
     const std::set<ID> ofSystem = disksOfSystem(input.clientConfig);
     std::vector<ClientDisk> disks;
@@ -104,9 +112,9 @@ std::vector<StoreSpace> spaceSheet(const B2VInput& input, Findings& findings) {
         if (line.free && *line.free < line.needed)
             findings.report({.kind = FindingKind::SPACE_SHORT,
                              .value = line.store,
-                             .hint = std::to_string(line.needed - *line.free) +
-                                     " MB are missing: the disks " + "take " + std::to_string(line.needed) +
-                                     " MB, " + std::to_string(*line.free) + " MB are free."});
+                             .hint = megabytesText(line.needed - *line.free) +
+                                     " are missing: the disks take " + megabytesText(line.needed) + ", and " +
+                                     megabytesText(*line.free) + " are free."});
     return lines;
 }
 

@@ -28,6 +28,9 @@ struct StoreSpace {
     std::optional<std::int64_t> free; ///< nothing if the inventory did not tell
 };
 
+/// "1.2 TiB", as all sizes are shown.
+std::string megabytesText(std::int64_t megabytes);
+
 /// The free space that stands for "not told" in an input; validation overwrites it.
 inline constexpr std::int64_t SPACE_UNKNOWN = -1;
 

@@ -5,13 +5,16 @@
 #include "info/check/record.h"
 #include "info/check/similarNames.h"
 #include "info/explanations.h"
+#include "info/layout/labels.h"
 #include "info/paragraphs.h"
 #include "model/core_records.h"
 #include "model/task_records.h"
+#include "platform/stringManipulation.h"
 #include "suite/printable.h"
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
@@ -42,7 +45,7 @@ std::string hintOf(const Finding& finding) {
     if (finding.kind == FindingKind::NAME_AMBIGUOUS)
         for (const std::string& path : finding.candidates)
             hint += (hint.empty() ? "Write one of \"" : ", \"") + path + "\"";
-    else if (finding.kind != FindingKind::MACHINE_EXISTS && hint.empty()) // whose candidates are those taken
+    else if (hint.empty())
         hint = suggestionFor(finding.value, finding.candidates);
     // The text of a message tells the way out itself.
     const Explanation& explanation = explanationOf(finding.kind);
@@ -51,27 +54,58 @@ std::string hintOf(const Finding& finding) {
     return hint;
 }
 
-// Where the value that is to blame was set: "esxhost, line 4".
+// Where the value that is to blame was set: "esxhost, line 4", "harddisk, lines 7, 8".
 std::string placeOf(const Finding& finding) {
-    std::string place = describe(finding.kind).key;
-    if (finding.kind == FindingKind::VALUE_MISSING)
-        place = finding.value;
-    if (finding.line != 0)
-        place += (place.empty() ? "line " : ", line ") + std::to_string(finding.line);
+    std::string place = keyOf(finding);
+    const char* word = finding.lines.size() == 1 ? "line " : "lines ";
+    for (const int line : finding.lines)
+        place += (place.empty() ? "" : ", ") + std::string(std::exchange(word, "")) + std::to_string(line);
     return place;
+}
+
+// All but the value, which stands in quotes where a text has it.
+std::string textBesideValue(const Finding& finding) {
+    std::string text = placeOf(finding) + "\n" + textOf(finding) + "\n" + hintOf(finding);
+    if (!finding.value.empty())
+        StrReplace(text, "\"" + finding.value + "\"", "\"\"", true);
+    return text;
 }
 
 // --- Text
 
-void writeFinding(std::ostream& out, const Finding& finding, std::size_t number) {
-    const FindingDescriptor& kind = describe(finding.kind);
-    const std::string place = placeOf(finding);
-    const std::string head = rightAligned(std::to_string(number), 3) + ". " + kind.identifier +
-                             (place.empty() ? "" : " (" + place + ")");
+using Group = std::vector<const Finding*>;
+
+// Findings one behind the other that differ in their values alone are told together.
+std::vector<Group> groupsOf(const CollectedFindings& findings, Severity severity) {
+    std::vector<Group> groups;
+    for (const Finding& finding : findings.all()) {
+        if (describe(finding.kind).severity != severity)
+            continue;
+        const Finding* last = groups.empty() ? nullptr : groups.back().front();
+        if (last && last->kind == finding.kind && textBesideValue(*last) == textBesideValue(finding))
+            groups.back().push_back(&finding);
+        else
+            groups.push_back({&finding});
+    }
+    return groups;
+}
+
+void writeGroup(std::ostream& out, const Group& group, std::size_t& number) {
+    const Finding& first = *group.front();
+    const FindingDescriptor& kind = describe(first.kind);
+    const std::string place = placeOf(first);
+    std::string head = rightAligned(std::to_string(number + 1), 3);
+    number += group.size();
+    if (group.size() > 1)
+        head += "-" + std::to_string(number);
+    head += std::string(". ") + kind.identifier + (place.empty() ? "" : " (" + place + ")");
     const std::string message = kind.message == 0 ? "" : "[" + std::to_string(kind.message) + "]";
     out << (message.empty() ? head : leftAligned(head, TERMINAL_WIDTH - 6) + message) << '\n';
-    out << paragraph(textOf(finding), 5);
-    if (const std::string hint = hintOf(finding); !hint.empty())
+    std::string others;
+    for (std::size_t i = 1; i < group.size(); ++i)
+        others += (i == 1 ? " So with \"" : ", \"") + group[i]->value + "\"";
+    out << paragraph(textOf(first) + (others.empty() ? "" : others + "."), 5);
+    if (const std::string hint = hintOf(first); !hint.empty())
         out << paragraph("> " + hint, 5, 7);
 }
 
@@ -80,23 +114,29 @@ void writeSpace(std::ostream& out, const std::vector<StoreSpace>& space) {
         return;
     std::size_t width = 10;
     for (const StoreSpace& line : space)
-        width = std::max(width, columnsOf(Suite::printable(line.store)));
+        width = std::max(width, terminalColumns(Suite::printable(line.store)));
     const auto row = [&](const std::string& store, const std::string& needed, const std::string& free,
                          const std::string& after) {
         out << "  " << leftAligned(store, width) << rightAligned(needed, 13) << rightAligned(free, 13)
             << rightAligned(after, 13) << '\n';
     };
-    out << "\nSpace in MB\n";
+    out << "\nSpace\n";
     row("data store", "needed", "free", "after");
     for (const StoreSpace& line : space)
-        row(Suite::printable(line.store), std::to_string(line.needed),
-            line.free ? std::to_string(*line.free) : "?",
-            line.free ? std::to_string(*line.free - line.needed) : "?");
+        row(Suite::printable(line.store), megabytesText(line.needed),
+            line.free ? megabytesText(*line.free) : "?",
+            line.free ? megabytesText(*line.free - line.needed) : "?");
 }
 
+// Values stay as they are, and are never cut.
 void writeRow(std::ostream& out, const TableDescriptor& table, const BaseTable& row) {
-    for (const auto& [name, value] : recordedValues(table, row))
-        out << paragraph(leftAligned(name, 21) + value, 4, 26);
+    for (const auto& [name, value] : recordedValues(table, row)) {
+        out << "    " << leftAligned(name, 21) << Suite::printable(value);
+        if (name == "AvailableSize") // of a data store that the file names it is asked for afterwards
+            out << (value == "0" ? " (zorb2v records it before it asks for the free space)"
+                                 : " (in MB; " + megabytesText(std::stoll(value)) + ")");
+        out << '\n';
+    }
 }
 
 void writeRecord(std::ostream& out, const ConversionCheck& check) {
@@ -115,7 +155,7 @@ void writeRecord(std::ostream& out, const ConversionCheck& check) {
     }
     for (const CDiskToDataStoreMap* map : check.input.veRecords.m_vDiskToDataStoreMap)
         if (map)
-            out << paragraph(map->getDiskName() + " to " + map->getDataStoreName(), 2);
+            out << "  " << Suite::printable(map->getDiskName() + " to " + map->getDataStoreName()) << '\n';
 }
 
 std::vector<std::string> commandOf(const ConversionCheck& check) {
@@ -145,7 +185,7 @@ std::string commandText(const ConversionCheck& check) {
         std::string piece = shellWord(words[i++]);
         while (i < words.size() && i > 1 && !words[i].starts_with('-'))
             piece += " " + shellWord(words[i++]);
-        if (columnsOf(line) + 1 + columnsOf(piece) + 2 > TERMINAL_WIDTH &&
+        if (terminalColumns(line) + 1 + terminalColumns(piece) + 2 > TERMINAL_WIDTH &&
             line.find_first_not_of(' ') != std::string::npos) {
             text += line + " \\\n";
             line = "     ";
@@ -169,14 +209,15 @@ std::string verdictOf(const ConversionCheck& check) {
 
 Json documentOf(const Finding& finding) {
     const FindingDescriptor& kind = describe(finding.kind);
-    const std::string key = finding.kind == FindingKind::VALUE_MISSING ? finding.value : kind.key;
+    const std::string key = keyOf(finding);
     Json document = {
         {"id", kind.identifier},
         {"severity", wordOf(kind.severity)},
         {"object", kind.object},
         {"value", finding.value},
         {"key", key.empty() ? Json() : Json(key)},
-        {"line", finding.line == 0 ? Json() : Json(finding.line)},
+        {"line", finding.lines.empty() ? Json() : Json(finding.lines.front())},
+        {"lines", finding.lines},
         {"number", kind.message},
         {"message", textOf(finding)},
         {"told", nullptr},
@@ -223,19 +264,19 @@ int exitOf(const ConversionCheck& check) {
 
 void writeCheck(const ConversionCheck& check, const Session& session) {
     std::ostream& out = session.out();
-    out << paragraph("Client " + check.input.clientName + ", configuration " + check.input.configName, 0);
-    out << paragraph("to " + check.input.vmServer + " through " + check.input.vmProxy +
-                         (check.file.empty() ? "" : ", by " + check.file),
-                     0);
+    out << Suite::printable("Client " + check.input.clientName + ", configuration " + check.input.configName)
+        << '\n'
+        << Suite::printable("to " + check.input.vmServer + " through " + check.input.vmProxy +
+                            (check.file.empty() ? "" : ", by " + check.file))
+        << '\n';
     for (const auto& [severity, word, heading, sgr] : SEVERITIES) {
         const std::size_t count = check.findings.count(severity);
         if (count == 0)
             continue;
         out << '\n' << session.colored(heading, sgr) << " (" << count << ")\n";
         std::size_t number = 0;
-        for (const Finding& finding : check.findings.all())
-            if (describe(finding.kind).severity == severity)
-                writeFinding(out, finding, ++number);
+        for (const Group& group : groupsOf(check.findings, severity))
+            writeGroup(out, group, number);
     }
     writeSpace(out, check.space);
     if (!check.isBlocked()) {

@@ -30,6 +30,21 @@ std::size_t editDistance(const std::string& first, const std::string& second) {
     return row.back();
 }
 
+// How far a name is from one that exists, both in small letters: from the whole of it, the last part of a
+// path, or the name of a host without its domain.
+std::size_t distanceTo(const std::string& wanted, const std::string& known) {
+    if (wanted.size() > LONGEST_COMPARED || known.size() > LONGEST_COMPARED)
+        return wanted == known ? 0 : std::string::npos;
+    const std::string component = known.substr(known.rfind('/') + 1);
+    std::size_t distance = std::min(editDistance(wanted, known), editDistance(wanted, component));
+    if (wanted.find('.') == std::string::npos)
+        distance = std::min(distance, editDistance(wanted, known.substr(0, known.find('.'))));
+    // Data centers are listed by the last part of the path that the user writes.
+    if (known.find('/') == std::string::npos && wanted.find('/') != std::string::npos)
+        distance = std::min(distance, editDistance(wanted.substr(wanted.rfind('/') + 1), known));
+    return distance;
+}
+
 std::string quotedList(const std::vector<std::string>& names, std::size_t most) {
     std::string text;
     for (std::size_t i = 0; i < std::min(most, names.size()); ++i)
@@ -46,14 +61,7 @@ std::vector<std::string> similarNames(const std::string& name, const std::vector
     const std::size_t farthest = wanted.size() / 3;
     std::vector<std::pair<std::size_t, std::string>> near;
     for (const std::string& other : known) {
-        const std::string text = StrToLower(other);
-        const std::string component = text.substr(text.rfind('/') + 1);
-        std::size_t distance = farthest + 1;
-        // The full path of what was named by its last part, or the name of a host without its domain.
-        if (text == wanted || component == wanted || text.starts_with(wanted + "."))
-            distance = 0;
-        else if (wanted.size() <= LONGEST_COMPARED && text.size() <= LONGEST_COMPARED)
-            distance = std::min(editDistance(wanted, text), editDistance(wanted, component));
+        const std::size_t distance = distanceTo(wanted, StrToLower(other));
         if (distance <= farthest)
             near.emplace_back(distance, other);
     }
@@ -61,9 +69,9 @@ std::vector<std::string> similarNames(const std::string& name, const std::vector
                      [](const auto& first, const auto& second) { return first.first < second.first; });
     // Names of one domain resemble each other: beside a slip of the hand, the others are no candidates.
     std::vector<std::string> names;
+    const std::size_t reach = near.empty() || near.front().first == 0 ? 0 : 2 * near.front().first + 1;
     for (const auto& [distance, other] : near)
-        if (distance <= 2 * near.front().first + 1 &&
-            std::find(names.begin(), names.end(), other) == names.end())
+        if (distance <= reach && std::find(names.begin(), names.end(), other) == names.end())
             names.push_back(other);
     return names;
 }

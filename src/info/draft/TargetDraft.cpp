@@ -2,13 +2,12 @@
 #include "info/draft/TargetDraft.h"
 
 #include "info/Session.h"
-#include "info/check/similarNames.h"
-#include "inventory/CZorb2vKvnrdConnect.h"
-#include "platform/fieldSplitting.h"
+#include "info/layout/labels.h"
 #include "platform/stringManipulation.h"
 
 #include <algorithm>
-#include <numeric>
+#include <tuple>
+#include <utility>
 
 namespace Zorvane {
 
@@ -17,15 +16,12 @@ namespace {
 using Names = std::vector<std::string>;
 
 constexpr std::size_t MOST_OTHERS = 6;
-constexpr const char* STANDALONE_DATA_CENTER = "ha-datacenter";
-
-bool isSameName(const std::string& first, const std::string& second) {
-    return StrCaseCmp(first.c_str(), second.c_str()) == 0;
-}
+constexpr int MEBIBYTE_BITS = 20;
 
 bool contains(const Names& names, const std::string& name) {
-    return std::any_of(names.begin(), names.end(),
-                       [&](const std::string& other) { return isSameName(other, name); });
+    return std::any_of(names.begin(), names.end(), [&](const std::string& other) {
+        return StrCaseCmp(other.c_str(), name.c_str()) == 0;
+    });
 }
 
 // A harddisk line has a separator more.
@@ -33,107 +29,146 @@ bool isWritableStore(const std::string& store) {
     return isWritable(store) && store.find(':') == std::string::npos && !store.ends_with('"');
 }
 
-/// Listings of one server.
-class Target {
+std::string roomText(std::int64_t megabytes) {
+    return sizeText(megabytes << MEBIBYTE_BITS);
+}
+
+/// A host with what stands above it.
+struct Place {
+    TargetDataCenter* dataCenter = nullptr;
+    TargetCluster* cluster = nullptr;
+    TargetHost* host = nullptr;
+};
+
+// The hosts that a file can name. Of a data center's path zorb2v takes what stands behind the last slash.
+std::vector<Place> placesIn(TargetTree& target) {
+    std::vector<Place> places;
+    const auto add = [&](TargetDataCenter& dataCenter, TargetCluster* cluster,
+                         std::deque<TargetHost>& hosts) {
+        for (TargetHost& host : hosts)
+            if (isWritable(host.name))
+                places.push_back({&dataCenter, cluster, &host});
+    };
+    for (TargetDataCenter& dataCenter : target.dataCenters) {
+        if (!isWritable(dataCenter.name) || dataCenter.name.find('/') != std::string::npos)
+            continue;
+        for (TargetCluster& cluster : dataCenter.clusters)
+            if (isWritable(cluster.name))
+                add(dataCenter, &cluster, cluster.hosts);
+        add(dataCenter, nullptr, dataCenter.hosts);
+    }
+    return places;
+}
+
+Names machinesIn(const TargetTree& target) {
+    Names machines;
+    const auto add = [&](const Names& some) { machines.insert(machines.end(), some.begin(), some.end()); };
+    for (const TargetDataCenter& dataCenter : target.dataCenters) {
+        add(dataCenter.machines);
+        for (const TargetHost& host : dataCenter.hosts)
+            add(host.machines);
+        for (const TargetCluster& cluster : dataCenter.clusters)
+            for (const TargetHost& host : cluster.hosts)
+                add(host.machines);
+    }
+    return machines;
+}
+
+[[noreturn]] void failUnanswered(const TargetTree& target) {
+    const std::size_t more = target.unanswered.size() - 1;
+    throw InfoFailure(InfoExit::NOT_ASKED,
+                      "the inventory of " + target.server +
+                          " did not answer: " + textOf(target.unanswered.front()) +
+                          (more == 0 ? "" : ", and " + std::to_string(more) + " more listings"));
+}
+
+/// The first host that has room and tells all that a target needs.
+class HostSearch {
   public:
-    explicit Target(const B2VInput& input) : m_input(input) {
-        std::map<std::string, int> servers;
-        Names proxies;
-        if (m_connect.getVmServerList(servers, input.masterServer) != 0 ||
-            m_connect.getVmProxyList(proxies, input.masterServer) != 0)
-            throw InfoFailure(InfoExit::NOT_ASKED,
-                              "the inventory did not answer; see zorinfo explain server.listing");
-        Names names;
-        const int* type = nullptr;
-        for (const auto& [name, itsType] : servers) {
-            names.push_back(name);
-            if (isSameName(name, input.vmServer))
-                type = &itsType;
+    HostSearch(TargetTree& target, const B2VInput& input)
+        : m_target(target), m_input(input), m_listings(target, input.masterServer) {}
+
+    // Throws InfoFailure if there is none.
+    void run() {
+        const std::vector<ClientDisk> disks = convertedDisks(m_input);
+        for (const Place& place : placesIn(m_target)) {
+            if (m_place.host && !isAlike(place))
+                continue;
+            if (m_others.size() == MOST_OTHERS)
+                break;
+            if (!m_listings.fillStores(*place.host))
+                continue;
+            std::erase_if(place.host->stores,
+                          [](const auto& store) { return !isWritableStore(store.first); });
+            DiskPlacement placement = placeDisks(disks, place.host->stores);
+            if (placement.homeless)
+                noteFailure(place, placement);
+            else if (m_place.host)
+                m_others.push_back(place.host->name);
+            else if (tellsAll(place)) {
+                m_place = place;
+                m_disks = std::move(placement.placed);
+            }
         }
-        if (!type)
-            throw InfoFailure(InfoExit::BLOCKED, "the server \"" + input.vmServer + "\" is not known. " +
-                                                     suggestionFor(input.vmServer, names));
-        if (!contains(proxies, input.vmProxy))
-            throw InfoFailure(InfoExit::BLOCKED, "the backup host \"" + input.vmProxy + "\" is not known. " +
-                                                     suggestionFor(input.vmProxy, proxies));
-        m_isVCenter = *type == VM_SERVER_VCENTER;
+        if (!m_place.host)
+            fail();
     }
 
-    [[nodiscard]] bool isVCenter() const { return m_isVCenter; }
-
-    Names hosts() {
-        return m_isVCenter ? list(&CZorb2vKvnrdConnect::getEsxServerList) : Names{m_input.vmServer};
-    }
-    Names dataCenters() {
-        return m_isVCenter ? list(&CZorb2vKvnrdConnect::getDcList) : Names{STANDALONE_DATA_CENTER};
-    }
-    Names clusters() { return m_isVCenter ? list(&CZorb2vKvnrdConnect::getClusterList) : Names(); }
-    Names folders(const std::string& dataCenter) {
-        return m_isVCenter ? listAt(&CZorb2vKvnrdConnect::getVmFoldersList, dataCenter) : Names();
-    }
-    Names networks(const std::string& host) { return listAt(&CZorb2vKvnrdConnect::getVmNetworksList, host); }
-    Names machines(const std::string& host) { return listAt(&CZorb2vKvnrdConnect::getVmList, host); }
-    Names pools(const std::string& host) {
-        Names names, paths;
-        m_connect.getRpoolList(names, paths, m_input.vmProxy, host, m_input.vmServer, m_input.masterServer);
-        return paths;
-    }
-    std::map<std::string, long long> stores(const std::string& host) {
-        std::map<std::string, long long> stores;
-        if (m_connect.getDsList(stores, m_input.vmProxy, host, m_input.vmServer, m_input.masterServer) != 0)
-            return {};
-        std::erase_if(stores, [](const auto& store) { return !isWritableStore(store.first); });
-        return stores;
-    }
+    [[nodiscard]] const Place& place() const { return m_place; }
+    [[nodiscard]] const std::vector<PlacedDisk>& disks() const { return m_disks; }
+    /// Those with room that can stand in its place under the same cluster and data center.
+    [[nodiscard]] const Names& others() const { return m_others; }
 
   private:
-    // A listing that fails offers nothing.
-    Names list(int (CZorb2vKvnrdConnect::*listing)(Names&, const std::string&, const std::string&,
-                                                   const std::string&)) {
-        Names names;
-        const int rc = (m_connect.*listing)(names, m_input.vmProxy, m_input.vmServer, m_input.masterServer);
-        return rc == 0 ? names : Names();
-    }
-    Names listAt(int (CZorb2vKvnrdConnect::*listing)(Names&, const std::string&, const std::string&,
-                                                     const std::string&, const std::string&),
-                 const std::string& place) {
-        Names names;
-        const int rc =
-            (m_connect.*listing)(names, m_input.vmProxy, place, m_input.vmServer, m_input.masterServer);
-        return rc == 0 ? names : Names();
+    [[nodiscard]] bool isAlike(const Place& place) const {
+        return place.dataCenter == m_place.dataCenter && place.cluster == m_place.cluster;
     }
 
+    bool tellsAll(const Place& place) {
+        return m_listings.fillPools(*place.host) &&
+               (m_input.stripNetwork || m_listings.fillNetworks(*place.host)) &&
+               (!place.dataCenter->folders.empty() || m_listings.fillFolders(*place.dataCenter));
+    }
+
+    // The host that comes nearest is told of.
+    void noteFailure(const Place& place, const DiskPlacement& placement) {
+        const auto rank = [](const DiskPlacement& each) {
+            return std::make_pair(each.placed.size(), each.most);
+        };
+        if (m_nearest && rank(m_best) >= rank(placement))
+            return;
+        m_nearest = place.host;
+        m_best = placement;
+    }
+
+    [[noreturn]] void fail() const {
+        if (!m_target.unanswered.empty())
+            failUnanswered(m_target);
+        const std::string none = "no ESX host of " + m_target.server + " has room: ";
+        if (!m_nearest)
+            throw InfoFailure(InfoExit::BLOCKED, none + "it has none that a configuration file can name");
+        if (m_best.roomiest.empty())
+            throw InfoFailure(InfoExit::BLOCKED, none + "none reaches a data store that the file can name");
+        const std::size_t placed = m_best.placed.size();
+        throw InfoFailure(InfoExit::BLOCKED,
+                          none + "the disk " + m_best.homeless->name + " takes " +
+                              roomText(m_best.homeless->size) + ", and the roomiest data store, \"" +
+                              m_best.roomiest + "\" of " + m_nearest->name + ", has " +
+                              roomText(m_best.most) +
+                              (placed == 0   ? " free"
+                               : placed == 1 ? " left beside a larger disk"
+                                             : " left beside " + std::to_string(placed) + " larger disks"));
+    }
+
+    TargetTree& m_target;
     const B2VInput& m_input;
-    CZorb2vKvnrdConnect m_connect;
-    bool m_isVCenter = false;
+    TargetListings m_listings;
+    Place m_place;
+    std::vector<PlacedDisk> m_disks;
+    Names m_others;
+    const TargetHost* m_nearest = nullptr;
+    DiskPlacement m_best;
 };
-
-struct HostChoice {
-    std::string host;
-    std::vector<PlacedDisk> disks;
-};
-
-HostChoice chooseHost(Target& target, const Names& hosts, const B2VInput& input) {
-    const std::vector<ClientDisk> disks = convertedDisks(input);
-    long long most = 0;
-    for (const std::string& host : hosts) {
-        const std::map<std::string, long long> stores = target.stores(host);
-        if (stores.empty())
-            continue;
-        if (auto placed = placeDisks(disks, stores))
-            return {host, std::move(*placed)};
-        most = std::max(most,
-                        std::accumulate(stores.begin(), stores.end(), 0LL,
-                                        [](long long sum, const auto& store) { return sum + store.second; }));
-    }
-    const std::int64_t needed =
-        std::accumulate(disks.begin(), disks.end(), std::int64_t{0},
-                        [](std::int64_t sum, const ClientDisk& disk) { return sum + disk.size; });
-    throw InfoFailure(InfoExit::BLOCKED, "no ESX host of " + input.vmServer + " has room: the disks take " +
-                                             std::to_string(needed) +
-                                             " MB, and the most that a host has is " + std::to_string(most) +
-                                             " MB");
-}
 
 // The first that can be written, with the others.
 DraftValue choose(const char* key, const char* note, Names names) {
@@ -145,18 +180,13 @@ DraftValue choose(const char* key, const char* note, Names names) {
     return {key, first, note, names};
 }
 
-// The objects of a pool's path that stand above it: "/Northgate/host/ng-cluster1/Resources". Its data center
-// and its cluster are those of the host, while the listings of either tell names alone.
-Names preferred(Names names, const Names& pools) {
-    Names above;
-    if (!pools.empty())
-        Split(pools.front(), "/", above);
-    std::stable_partition(names.begin(), names.end(),
-                          [&](const std::string& name) { return contains(above, name); });
-    return names;
+std::string noted(const std::string& text) {
+    return "#= " + text + "\n";
 }
 
-std::string freeName(const std::string& client, const Names& taken) {
+} // namespace
+
+std::string freeName(const std::string& client, const std::vector<std::string>& taken) {
     const std::string stem = client.substr(0, client.find('.')) + "-vm";
     std::string name = stem;
     for (int number = 2; contains(taken, name); ++number)
@@ -164,70 +194,77 @@ std::string freeName(const std::string& client, const Names& taken) {
     return isWritable(name) ? name : "converted-vm";
 }
 
-std::string noted(const std::string& text) {
-    return "#= " + text + "\n";
-}
-
-} // namespace
-
 bool isWritable(const std::string& value) {
     return !value.empty() && !value.starts_with('"') && value.find_first_of("=\r\n") == std::string::npos;
 }
 
-std::optional<std::vector<PlacedDisk>> placeDisks(std::vector<ClientDisk> disks,
-                                                  const std::map<std::string, long long>& freeMegabytes) {
+DiskPlacement placeDisks(std::vector<ClientDisk> disks,
+                         const std::map<std::string, long long>& freeMegabytes) {
     std::vector<std::pair<std::string, long long>> stores(freeMegabytes.begin(), freeMegabytes.end());
-    std::stable_sort(stores.begin(), stores.end(),
-                     [](const auto& first, const auto& second) { return first.second > second.second; });
     std::stable_sort(disks.begin(), disks.end(),
                      [](const auto& first, const auto& second) { return first.size > second.size; });
-    std::vector<PlacedDisk> placed;
+    std::stable_sort(stores.begin(), stores.end(),
+                     [](const auto& first, const auto& second) { return first.second > second.second; });
+    DiskPlacement placement;
     for (const ClientDisk& disk : disks) {
         const auto store = std::find_if(stores.begin(), stores.end(),
                                         [&](const auto& each) { return each.second >= disk.size; });
-        if (store == stores.end())
-            return std::nullopt;
+        if (store == stores.end()) {
+            placement.homeless = disk;
+            break;
+        }
         store->second -= disk.size;
-        placed.push_back({disk, store->first});
+        placement.placed.push_back({disk, store->first});
     }
-    return placed;
+    const auto roomiest =
+        std::max_element(stores.begin(), stores.end(),
+                         [](const auto& first, const auto& second) { return first.second < second.second; });
+    if (roomiest != stores.end())
+        std::tie(placement.roomiest, placement.most) = *roomiest;
+    return placement;
 }
 
 TargetDraft draftTarget(const B2VInput& input) {
-    Target target(input);
-    const Names hosts = target.hosts();
-    HostChoice choice = chooseHost(target, hosts, input);
-    const Names pools = target.pools(choice.host);
-    const Names dataCenters = preferred(target.dataCenters(), pools);
+    TargetTree target = askTarget(input.vmServer, input.vmProxy, input.masterServer);
+    if (!target.unanswered.empty())
+        failUnanswered(target);
+    HostSearch search(target, input);
+    search.run();
+    const auto& [dataCenter, cluster, host] = search.place();
 
     TargetDraft draft;
-    draft.values.push_back({"name", freeName(input.clientName, target.machines(choice.host)),
+    draft.values.push_back({"name", freeName(input.clientName, machinesIn(target)),
                             "The machine's name; no other machine has it."});
     draft.values.push_back(
         {"toolsIsoPath", "/images/windows-tools.iso",
          "The image with the guest tools. SET THIS: the inventory does not tell where it is."});
-    DraftValue host{"esxhost", choice.host, "The first ESX host that has room for the disks."};
-    std::copy_if(hosts.begin(), hosts.end(), std::back_inserter(host.others),
-                 [&](const std::string& other) { return other != choice.host; });
-    draft.values.push_back(std::move(host));
-    const DraftValue dataCenter = choose("datacenter", "The data center.", dataCenters);
-    if (target.isVCenter()) {
-        draft.values.push_back(dataCenter);
-        draft.values.push_back(choose("folder", "The folder for the machine, by its full path.",
-                                      target.folders(dataCenter.value)));
-    }
-    draft.values.push_back(choose("resourcepool", "The resource pool.", pools));
-    if (!input.stripNetwork)
+    draft.values.push_back(
+        {"esxhost", host->name,
+         search.others().empty()
+             ? "The first ESX host that has room for the disks."
+             : "The first ESX host that has room for the disks. Another one has a resource "
+               "pool, networks and\n#= data stores of its own; zorinfo inventory shows "
+               "them.",
+         search.others()});
+    if (target.isVCenter) {
+        draft.values.push_back({"datacenter", dataCenter->name, "The data center of the host."});
+        if (cluster)
+            draft.values.push_back({"cluster", cluster->name, "The cluster of the host."});
         draft.values.push_back(
-            choose("network", "The network of all interfaces.", target.networks(choice.host)));
+            choose("folder", "The folder for the machine, by its full path.", dataCenter->folders));
+    }
+    draft.values.push_back(choose("resourcepool", "The resource pool.", host->pools));
+    if (!input.stripNetwork)
+        draft.values.push_back(choose("network", "The network of all interfaces.", host->networks));
     draft.values.push_back(
         {"diskformat", "ThinVdisk", "How disks take their room.", {"ThickVdisk", "ThickLazy"}});
-    std::sort(choice.disks.begin(), choice.disks.end(), [](const auto& first, const auto& second) {
+    draft.disks = search.disks();
+    std::sort(draft.disks.begin(), draft.disks.end(), [](const auto& first, const auto& second) {
         return first.disk.name.size() != second.disk.name.size()
                    ? first.disk.name.size() < second.disk.name.size()
                    : first.disk.name < second.disk.name;
     });
-    draft.disks = std::move(choice.disks);
+    draft.unanswered = target.unanswered;
     return draft;
 }
 
@@ -246,9 +283,9 @@ std::string fileOf(const TargetDraft& draft, const B2VInput& input) {
                                     : value.key + "=" + value.value + "\n";
     }
     if (!draft.disks.empty())
-        text += "\n" + noted("The disks, each with its data store; sizes in MB.");
+        text += "\n" + noted("The disks, each with its data store.");
     for (const PlacedDisk& placed : draft.disks) {
-        text += noted(placed.disk.name + ", " + std::to_string(placed.disk.size));
+        text += noted(placed.disk.name + ", " + roomText(placed.disk.size));
         if (placed.disk.name.starts_with("Harddisk"))
             text += "harddisk=" + placed.disk.name.substr(8) + ":" + placed.store + "\n";
     }

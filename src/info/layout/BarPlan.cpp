@@ -16,6 +16,8 @@ constexpr Node NONE = SIZE_MAX;
 /// Less of a bar than this is alignment, not free space.
 constexpr double LEAST_GAP = 4;
 constexpr std::size_t MOST_LANES = 4;
+/// A short bar shows so many parts, if each is as wide as this.
+constexpr double FEW_CELLS = 6, SLIVER = 2.5;
 
 enum class PartKind : std::uint8_t {
     Object,
@@ -46,13 +48,17 @@ Part gap(std::int64_t length, PartKind kind) {
     return made;
 }
 
-// Widths in proportion, none below the least: what those take, the others give.
+// Widths in proportion, none below the least: what those take, the others give, but not more than half.
 void share(Parts& parts, double width) {
     double weights = 0;
     for (const Part& part : parts)
         weights += part.weight;
     const double scale = weights > 0 ? width / weights : 0;
     std::erase_if(parts, [&](const Part& part) { return isGap(part) && part.weight * scale < LEAST_GAP; });
+    const auto objects =
+        std::count_if(parts.begin(), parts.end(), [](const Part& part) { return !isGap(part); });
+    const double leastCell =
+        std::min(MIN_CELL, width / static_cast<double>(2 * std::max<std::ptrdiff_t>(objects, 1)));
     std::vector<bool> isLeast(parts.size());
     for (bool isChanged = true; isChanged;) {
         isChanged = false;
@@ -64,7 +70,7 @@ void share(Parts& parts, double width) {
         for (std::size_t i = 0; i < parts.size(); ++i) {
             if (isLeast[i])
                 continue;
-            const double least = isGap(parts[i]) ? 0 : MIN_CELL;
+            const double least = isGap(parts[i]) ? 0 : leastCell;
             parts[i].width = open > 0 ? rest * parts[i].weight / open : least;
             if (parts[i].width < least) {
                 parts[i].width = least;
@@ -127,7 +133,8 @@ Parts inSequence(Parts parts, std::optional<std::int64_t> whole, PartKind gapKin
 
 // What has no room at the least width becomes one part that tells how many it stands for.
 void dropBeyond(Parts& lane, double width) {
-    const auto room = static_cast<std::size_t>(std::max(1.0, width / MIN_CELL));
+    const auto room =
+        static_cast<std::size_t>(std::max({1.0, width / MIN_CELL, std::min(FEW_CELLS, width / SLIVER)}));
     if (std::count_if(lane.begin(), lane.end(), [](const Part& part) { return !isGap(part); }) <=
         static_cast<std::ptrdiff_t>(room))
         return;
@@ -139,6 +146,26 @@ void dropBeyond(Parts& lane, double width) {
         rest.weight += lane[i].weight;
     lane.resize(room - 1);
     lane.push_back(rest);
+}
+
+// Whether there is no place for two side by side: one alone, or one that takes the whole.
+bool coverAll(const Parts& parts, std::int64_t whole) {
+    if (parts.size() == 1)
+        return !parts.front().length;
+    return parts.size() <= MOST_LANES && std::any_of(parts.begin(), parts.end(), [&](const Part& part) {
+               return part.length.value_or(0) >= whole;
+           });
+}
+
+// Each over the whole; one of unknown size has as much as there is.
+std::vector<Parts> oneOverTheOther(const Parts& parts, std::int64_t whole) {
+    std::vector<Parts> lanes;
+    for (Part part : parts) {
+        part.length = std::min(part.length.value_or(whole), whole);
+        part.weight = static_cast<double>(*part.length);
+        lanes.push_back(inSequence({part}, whole, PartKind::Spacer));
+    }
+    return lanes;
 }
 
 class Planner {
@@ -237,24 +264,27 @@ class Planner {
 
     Bar bar(Node node) {
         const auto& size = m_layout.nodes[node].size;
-        const double width = size && m_plan.longest > 0
+        const bool isKnown = size && m_plan.longest > 0;
+        const double width = isKnown
                                  ? m_width * static_cast<double>(*size) / static_cast<double>(m_plan.longest)
-                                 : 0;
+                                 : m_width / 4;
         Bar made;
         made.node = node;
         made.width = std::clamp(width, MIN_BAR, m_width);
-        made.isToScale = width >= MIN_BAR && width <= m_width;
-        made.rows = std::max(1U, addParts(made, node, 0, made.width, 0));
+        made.isToScale = isKnown && width >= MIN_BAR && width <= m_width;
+        made.rows = std::max(1U, addParts(made, node, size, 0, made.width, 0));
         return made;
     }
 
-    // The parts of a node, within its stretch of the bar. Returns the row below the lowest cell.
-    unsigned addParts(Bar& bar, Node node, double x, double width, unsigned row) {
+    // The parts of a node of that length, within its stretch of the bar. Returns the row below the lowest
+    // cell.
+    unsigned addParts(Bar& bar, Node node, std::optional<std::int64_t> length, double x, double width,
+                      unsigned row) {
         const auto uppers = shownUppers(m_layout, node);
         if (uppers.empty() || m_open.size() == MAX_LAYOUT_DEPTH || isOpen(node))
             return row;
         m_open.push_back(node);
-        for (Parts& lane : placed(node, uppers)) {
+        for (Parts& lane : placed(node, length, uppers)) {
             dropBeyond(lane, width);
             share(lane, width);
             double at = x;
@@ -285,34 +315,53 @@ class Planner {
         cell.hidden = part.hidden;
         if (part.kind != PartKind::Object)
             return row + 1;
-        cell.chain = chainFrom(part.node);
+        std::optional<std::int64_t> length = part.length;
+        cell.chain = chainFrom(part.node, length, part.width);
         const Node top = cell.chain.back();
         cell.goesOn = m_hasBar[top];
-        const unsigned below = cell.goesOn ? row + 1 : addParts(bar, top, x, part.width, row + 1);
+        const unsigned below = cell.goesOn ? row + 1 : addParts(bar, top, length, x, part.width, row + 1);
         bar.cells[at].isHolder = below > row + 1;
         return below;
     }
 
-    // The objects that cover the same bytes: up to where it branches, or to a bar of its own.
-    [[nodiscard]] std::vector<Node> chainFrom(Node node) const {
+    // The objects that cover the same bytes: up to where it branches, or to what is plainly smaller, or to a
+    // bar of its own. The length becomes that of the last one.
+    [[nodiscard]] std::vector<Node> chainFrom(Node node, std::optional<std::int64_t>& length,
+                                              double width) const {
         std::vector<Node> chain = {node};
         while (!m_hasBar[chain.back()] && chain.size() < MAX_LAYOUT_DEPTH) {
             const auto uppers = shownUppers(m_layout, chain.back());
             if (uppers.size() != 1 ||
                 std::find(chain.begin(), chain.end(), uppers.front().node) != chain.end())
                 break;
+            // A part of what spans several says nothing about the size of what lies on the whole.
+            const std::optional<std::int64_t> upper = lengthOf(uppers.front());
+            const std::int64_t below = m_layout.nodes[chain.back()].size.value_or(length.value_or(0));
+            if (upper && length && below <= *length) {
+                const double share = static_cast<double>(*upper) / static_cast<double>(*length);
+                if ((1 - share) * width >= LEAST_GAP)
+                    break;
+                length = std::min(*upper, *length);
+            }
             chain.push_back(uppers.front().node);
         }
         return chain;
+    }
+
+    // What the upper one takes of the lower one, where that is told.
+    [[nodiscard]] std::optional<std::int64_t> lengthOf(const LayoutEdge& edge) const {
+        return edge.extent || m_lowerCount[edge.node] > 1 ? edge.extent : m_layout.nodes[edge.node].size;
     }
 
     [[nodiscard]] bool isOpen(Node node) const {
         return std::find(m_open.begin(), m_open.end(), node) != m_open.end();
     }
 
-    [[nodiscard]] std::vector<Parts> placed(Node node, const std::vector<LayoutEdge>& uppers) const {
-        const LayoutNode& below = m_layout.nodes[node];
-        std::int64_t end = below.size.value_or(0);
+    [[nodiscard]] std::vector<Parts> placed(Node node, std::optional<std::int64_t> length,
+                                            const std::vector<LayoutEdge>& uppers) const {
+        if (!length)
+            length = m_layout.nodes[node].size;
+        std::int64_t end = length.value_or(0);
         bool hasPlaces = true;
         Parts parts;
         for (const LayoutEdge& edge : uppers) {
@@ -320,9 +369,9 @@ class Planner {
             Part part;
             part.node = edge.node;
             part.start = upper.offset;
-            part.length = edge.extent;
-            if (!part.length && m_lowerCount[edge.node] <= 1)
-                part.length = upper.size;
+            part.length = lengthOf(edge);
+            if (upper.has(LayoutFlag::Free))
+                part.kind = PartKind::Free;
             part.weight = static_cast<double>(part.length.value_or(0));
             if (part.start && part.length)
                 end = std::max(end, addSizes(*part.start, *part.length));
@@ -334,8 +383,10 @@ class Planner {
         const bool isPool = m_hasBar[node] && !is(node, LayoutKind::Disk);
         const PartKind gapKind = isPool ? PartKind::Spacer : PartKind::Free;
         std::vector<Parts> lanes = hasPlaces ? inLanes(parts) : std::vector<Parts>{};
+        if (lanes.empty() && length && coverAll(parts, *length))
+            return oneOverTheOther(parts, *length);
         if (lanes.empty())
-            return {inSequence(parts, below.size, gapKind)};
+            return {inSequence(parts, length, gapKind)};
         for (Parts& lane : lanes)
             lane = withGaps(lane, end, &lane == &lanes.front() ? gapKind : PartKind::Spacer);
         return lanes;

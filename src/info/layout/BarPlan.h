@@ -42,7 +42,9 @@ struct BarPlan {
     std::size_t missing = 0;          ///< cells beyond MAX_BAR_CELLS
 };
 
-inline constexpr double MIN_BAR = 200;
+/// A shorter bar is not seen.
+inline constexpr double MIN_BAR = 4;
+/// Room for a letter. The cells of a bar that is short get less.
 inline constexpr double MIN_CELL = 14;
 /// A picture of more cells is read by nobody, and shown by no viewer.
 inline constexpr std::size_t MAX_BAR_CELLS = 20'000;

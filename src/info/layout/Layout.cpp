@@ -56,24 +56,30 @@ std::vector<std::size_t> rootsOf(const Layout& layout) {
     return roots;
 }
 
-std::vector<std::size_t> bootDisks(const Layout& layout) {
-    std::vector<bool> isSeen(layout.nodes.size());
-    std::vector<std::size_t> open, disks;
+std::vector<bool> carriersOf(const Layout& layout, LayoutFlag flag) {
+    std::vector<bool> carriers(layout.nodes.size());
+    std::vector<std::size_t> open;
     for (std::size_t node = 0; node < layout.nodes.size(); ++node)
-        if (layout.nodes[node].has(LayoutFlag::Boots))
+        if (layout.nodes[node].has(flag))
             open.push_back(node);
     while (!open.empty()) {
         const std::size_t at = open.back();
         open.pop_back();
-        if (isSeen[at])
+        if (carriers[at])
             continue;
-        isSeen[at] = true;
-        if (layout.nodes[at].kind == LayoutKind::Disk)
-            disks.push_back(at);
+        carriers[at] = true;
         for (const LayoutEdge& edge : layout.nodes[at].lower)
             open.push_back(edge.node);
     }
-    std::sort(disks.begin(), disks.end());
+    return carriers;
+}
+
+std::vector<std::size_t> bootDisks(const Layout& layout) {
+    const std::vector<bool> boots = carriersOf(layout, LayoutFlag::Boots);
+    std::vector<std::size_t> disks;
+    for (std::size_t node = 0; node < layout.nodes.size(); ++node)
+        if (boots[node] && layout.nodes[node].kind == LayoutKind::Disk)
+            disks.push_back(node);
     return disks;
 }
 

@@ -114,6 +114,8 @@ std::vector<LayoutEdge> shownUppers(const Layout& layout, std::size_t node);
 bool isTransparent(const Layout& layout, std::size_t node);
 /// The nodes that lie on nothing, in the order of the nodes.
 std::vector<std::size_t> rootsOf(const Layout& layout);
+/// For each node whether it has the flag, or carries something that has it.
+std::vector<bool> carriersOf(const Layout& layout, LayoutFlag flag);
 /// The disks under anything that boots, in the order of the nodes.
 std::vector<std::size_t> bootDisks(const Layout& layout);
 

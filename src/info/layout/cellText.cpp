@@ -46,13 +46,14 @@ CellText textOf(const Layout& layout, const BarCell& cell) {
         return made;
     }
     const std::string size = sizeOf(layout, cell);
-    if (cell.chain.empty() || layout.nodes[cell.chain.front()].has(LayoutFlag::Free)) {
+    if (cell.chain.empty()) {
         made.title = "free";
-        made.facts = size;
-        made.hint = "free, " + size;
+        made.facts = {size};
+        made.note = made.hint = "free, " + size;
         return made;
     }
-    std::vector<std::string> places, names, kinds, marks;
+    std::vector<std::string> places, kinds, marks;
+    std::vector<std::string>& names = made.names;
     std::string fileSystem;
     for (auto at = cell.chain.rbegin(); at != cell.chain.rend(); ++at) {
         const LayoutNode& node = layout.nodes[*at];
@@ -68,14 +69,15 @@ CellText textOf(const Layout& layout, const BarCell& cell) {
     }
     made.title = !places.empty() ? joined(places) : !names.empty() ? names.front() : kinds.front();
     std::erase(names, made.title);
-    made.names = dotted(names);
     std::string where;
     if (cell.goesOn)
         where = layout.nodes[cell.chain.back()].kind == LayoutKind::Disk ? "drawn above" : "drawn below";
     const std::string kind = fileSystem.empty() ? kinds.front() : fileSystem;
-    made.facts = dotted({kind == made.title ? "" : kind, size, joined(marks), where});
-    made.note = made.title + ", " + kind + ", " + size + (marks.empty() ? "" : ", " + joined(marks));
-    made.hint = dotted({made.title, made.names, dotted(kinds), size, joined(marks)});
+    made.facts = {dotted({kind == made.title ? "" : kind, size}), joined(marks), where};
+    marks.insert(marks.begin(), {kind, size});
+    std::erase_if(marks, [&](const std::string& mark) { return mark.empty() || mark == made.title; });
+    made.note = made.title + ", " + joined(marks);
+    made.hint = dotted({made.title, dotted(names), dotted(kinds), size, made.facts[1]});
     return made;
 }
 

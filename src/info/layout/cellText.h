@@ -10,11 +10,11 @@
 namespace Zorvane {
 
 struct CellText {
-    std::string title; ///< where it is mounted, or its name
-    std::string names; ///< the other names of what covers these bytes, the uppermost first
-    std::string facts; ///< its kind, size and marks
-    std::string note;  ///< title and facts, for the line under a bar whose cell has no room
-    std::string hint;  ///< all that there is
+    std::string title;              ///< where it is mounted, or its name
+    std::vector<std::string> names; ///< the other names of what covers these bytes, the uppermost first
+    std::vector<std::string> facts; ///< its kind and size, its marks, where it goes on
+    std::string note;               ///< title and facts, for beside or under a bar whose cell has no room
+    std::string hint;               ///< all that there is
 };
 
 CellText textOf(const Layout& layout, const BarCell& cell);

@@ -99,6 +99,21 @@ std::size_t terminalColumns(std::string_view text) {
     return columns;
 }
 
+std::string shortened(std::string_view text, std::size_t columns) {
+    if (terminalColumns(text) <= columns)
+        return std::string(text);
+    const std::size_t room = columns > 0 ? columns - 1 : 0;
+    std::size_t head = 0, tail = text.size();
+    for (std::size_t next = 0; terminalColumns(text.substr(0, next)) <= room / 2;
+         next += letterAt(text, next).length)
+        head = next;
+    while (terminalColumns(text.substr(tail)) < room - room / 2)
+        do
+            --tail;
+        while ((static_cast<unsigned char>(text[tail]) & 0xC0) == 0x80);
+    return std::string(text.substr(0, head)) + std::string(ELLIPSIS) + std::string(text.substr(tail));
+}
+
 std::string sizeText(std::int64_t bytes) {
     static constexpr std::array units = {"B", "KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
     double value = static_cast<double>(bytes);

@@ -20,6 +20,8 @@ std::string shown(std::string_view text, std::size_t limit = MAX_SHOWN_NAME);
 /// Letters, and the columns of a terminal that they take.
 std::size_t lettersIn(std::string_view shownText);
 std::size_t terminalColumns(std::string_view shownText);
+/// The text with its middle left out for an ellipsis, if it takes more columns than that.
+std::string shortened(std::string_view shownText, std::size_t columns);
 
 /// "500 MiB", "1.5 TiB": three digits are enough to tell sizes apart.
 std::string sizeText(std::int64_t bytes);

@@ -50,12 +50,22 @@ void readDocument(CZor& zor, std::string file) {
         giveUp(file + " is no configuration document; the log has the reason");
 }
 
+std::string reasonOf(const Finding& finding, const std::string& file) {
+    if (finding.kind == FindingKind::FILE_NOT_OPENED)
+        return file + " is no file that can be read";
+    const std::string line = file + ", line " + std::to_string(finding.lines.front());
+    if (finding.kind == FindingKind::DISK_WITHOUT_STORE)
+        return line + ": harddisk=" + finding.value +
+               " names no data store; a line is harddisk=NUMBER:DATASTORE";
+    return line + " is not KEY=VALUE: " + finding.value;
+}
+
 void mapToTarget(Layout& layout, const std::string& file) {
     if (::access(file.c_str(), R_OK) != 0)
         giveUp("can't read " + file);
     B2VInput input;
-    if (parseVEconfig(file, input) != 0)
-        giveUp(file + " is no configuration file: each harddisk line is harddisk=NUMBER:DATASTORE");
+    if (FirstFinding first; parseVEconfig(file, input, first) != 0)
+        giveUp(first.finding() ? reasonOf(*first.finding(), file) : "can't read " + file);
     addTarget(layout, input);
 }
 

@@ -31,6 +31,14 @@ LayoutUse useOf(const LayoutNode& node) {
     return node.upper.empty() ? LayoutUse::Raw : LayoutUse::Holder;
 }
 
+LayoutUse useOf(const Layout& layout, std::size_t at) {
+    const LayoutNode& node = layout.nodes[at];
+    if (node.kind != LayoutKind::FileSystem || node.lower.size() != 1)
+        return useOf(node);
+    const std::array<std::size_t, 2> chain = {node.lower.front().node, at};
+    return useOf(layout, chain, false);
+}
+
 LayoutUse useOf(const Layout& layout, std::span<const std::size_t> chain, bool isHolder) {
     LayoutUse use = isHolder ? LayoutUse::Holder : LayoutUse::Raw;
     for (const std::size_t node : chain) {

@@ -22,6 +22,8 @@ inline constexpr std::size_t LAYOUT_USES = 6;
 const LayoutPaint& paintOf(LayoutUse use);
 /// The use of one object as it stands: what it is marked with, or what its kind is for.
 LayoutUse useOf(const LayoutNode& node);
+/// In a graph: a file system is the system's if the volume under it is marked so.
+LayoutUse useOf(const Layout& layout, std::size_t node);
 /// Of objects that cover the same bytes, from the lowest up: a system's before a swap's before data's.
 LayoutUse useOf(const Layout& layout, std::span<const std::size_t> chain, bool isHolder);
 

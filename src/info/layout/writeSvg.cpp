@@ -8,13 +8,14 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace Zorvane {
 
 namespace {
 
 constexpr double MARGIN = 24, LABELS = 210, BARS = 860, STORES = 190;
-constexpr double ROW = 34, ROW_GAP = 2, NOTE = 14, BAR_GAP = 11, LEAST_BAR = 40;
+constexpr double ROW = 34, ROW_GAP = 2, NOTE = 14, BAR_GAP = 11, LEAST_BAR = 40, LEAST_BESIDE = 520;
 constexpr double BIG = 18, NORMAL = 12, SMALL = 10.5;
 constexpr std::size_t MOST_FACTS = 3, MOST_NOTES = 8; ///< lines
 constexpr const char* BOLD = "font-weight=\"bold\"";
@@ -66,7 +67,10 @@ std::vector<std::string> wrapped(const std::string& text, double width, double f
 
 class Drawing {
   public:
-    explicit Drawing(const Layout& layout) : m_layout(layout) {}
+    explicit Drawing(const Layout& layout)
+        : m_layout(layout),
+          m_boots(carriersOf(layout, LayoutFlag::Boots)),
+          m_system(carriersOf(layout, LayoutFlag::System)) {}
 
     void draw(std::ostream& out) {
         const BarPlan plan = planBars(m_layout, BARS);
@@ -107,8 +111,9 @@ class Drawing {
              (plan.longest > 0
                   ? ". The bars are as long as the sizes; the longest is " + sizeText(plan.longest) + "."
                   : "."));
-        line("Below a part stands what it holds. A thick line marks what boots; letters are explained under "
-             "their bar.");
+        line("Below a part stands what it holds. A thick line marks what boots. Parts without room for their "
+             "text are "
+             "told beside or under their bar, from left to right.");
         double x = MARGIN;
         for (std::size_t i = 0; i < LAYOUT_USES; ++i) {
             const auto use = static_cast<LayoutUse>(i);
@@ -122,35 +127,74 @@ class Drawing {
     void paint(const SvgBox& box, LayoutUse use, bool isThick, const std::string& hint) {
         const LayoutPaint& own = paintOf(use);
         const char* dashes = use == LayoutUse::Free ? "stroke-dasharray=\"4 3\"" : "";
-        const double inset = isThick ? 1.2 : 0;
+        // A narrow box would be all line.
+        const bool isNarrow = box.width < MIN_CELL / 2;
+        const double inset = !isThick ? 0 : isNarrow ? 0.2 : 0.7;
         m_svg.box({box.x + inset, box.y + inset, box.width - 2 * inset, box.height - 2 * inset}, own.fill,
                   isThick ? "#212529" : own.line,
-                  std::string(isThick ? "stroke-width=\"2.4\" " : "") + dashes, hint);
+                  std::string(!isThick   ? ""
+                              : isNarrow ? "stroke-width=\"1.4\" "
+                                         : "stroke-width=\"2.4\" ") +
+                      dashes,
+                  hint);
         // The pattern tells swap from the rest without colour.
         if (use == LayoutUse::Swap)
             m_svg.box(box, HATCH, "none", "pointer-events=\"none\"");
     }
 
+    // What a cell has no room for.
+    struct Note {
+        std::string letter; ///< none: the cell has no room for that either
+        std::string text;
+        LayoutUse use;
+    };
+
     void drawBar(const Bar& bar) {
         const LayoutNode& node = m_layout.nodes[bar.node];
         const double top = m_y, left = MARGIN + LABELS;
         const double bottom = top + bar.rows * (ROW + ROW_GAP);
-        if (bar.cells.empty()) {
-            paint({left, top, bar.width, ROW}, LayoutUse::Free, false, titleOf(node));
-            m_svg.text(left + 5, top + 14, NORMAL, "nothing on it", QUIET);
-        }
-        std::vector<std::string> notes;
+        // Seen where the parts of a pool do not fill it.
+        paint({left + 0.5, top + 0.5, bar.width - 1, ROW - 1},
+              bar.cells.empty() ? LayoutUse::Free : LayoutUse::Holder, false, titleOf(node));
+        std::vector<Note> notes;
+        if (bar.cells.empty())
+            notes.push_back({"", "nothing on it", LayoutUse::Free});
         for (const BarCell& cell : bar.cells)
             drawCell(cell, left, top, notes);
-        double y = bottom;
-        for (const std::string& note : wrapped(notes, BARS, SMALL, MOST_NOTES)) {
-            m_svg.text(left, y + SMALL + 1, SMALL, note, QUIET);
-            y += NOTE;
-        }
+        const bool isBeside = BARS - bar.width - NOTE >= LEAST_BESIDE;
+        const double shift = isBeside ? bar.width + NOTE : 0;
+        const double notesBottom =
+            drawNotes(notes, {left + shift, isBeside ? top + 2 : bottom, BARS - shift, 0});
         const double labelBottom = drawBarLabel(bar, node, top);
         if (m_layout.target && !node.dataStore.empty())
             drawStore(node, top);
-        m_y = std::max({y, labelBottom, top + LEAST_BAR}) + BAR_GAP;
+        m_y = std::max({bottom, notesBottom, labelBottom, top + LEAST_BAR}) + BAR_GAP;
+    }
+
+    // One behind the other, each after a patch of its cell's paint; returns where the last line ends.
+    double drawNotes(const std::vector<Note>& notes, const SvgBox& place) {
+        constexpr double patch = 12, behind = 14;
+        double x = place.x, y = place.y;
+        std::size_t lines = 1;
+        for (std::size_t i = 0; i < notes.size(); ++i) {
+            const Note& note = notes[i];
+            const std::string text = cut(note.text, place.width - patch - 4, SMALL);
+            const double width = patch + 4 + widthOf(text, SMALL);
+            if (x > place.x && x + width > place.x + place.width) {
+                x = place.x;
+                y += NOTE + 2;
+                if (++lines > MOST_NOTES) {
+                    m_svg.text(x, y + SMALL, SMALL, "and " + std::to_string(notes.size() - i) + " more",
+                               QUIET);
+                    break;
+                }
+            }
+            paint({x + 0.5, y + 0.5, patch - 1, patch - 1}, note.use, false, "");
+            m_svg.text(x + patch / 2, y + 9, 9, note.letter, "text-anchor=\"middle\"");
+            m_svg.text(x + patch + 4, y + SMALL - 0.5, SMALL, text, QUIET);
+            x += width + behind;
+        }
+        return notes.empty() ? place.y : y + NOTE + 2;
     }
 
     double drawBarLabel(const Bar& bar, const LayoutNode& node, double top) {
@@ -186,38 +230,62 @@ class Drawing {
                    node.isDefaultStore ? "the default data store" : "data store", QUIET);
     }
 
-    void drawCell(const BarCell& cell, double left, double top, std::vector<std::string>& notes) {
-        const SvgBox box = {left + cell.x + 0.5, top + cell.row * (ROW + ROW_GAP) + 0.5, cell.width - 1,
-                            ROW - 1};
+    void drawCell(const BarCell& cell, double left, double top, std::vector<Note>& notes) {
+        // Parts that are hardly wider than a line have no frame between them.
+        const double frame = cell.width < MIN_CELL / 2 ? 0.25 : 0.5;
+        const SvgBox box = {left + cell.x + frame, top + cell.row * (ROW + ROW_GAP) + 0.5,
+                            cell.width - 2 * frame, ROW - 1};
         const CellText text = textOf(m_layout, cell);
-        LayoutUse use = LayoutUse::Free;
-        bool isThick = false;
-        if (cell.hidden > 0)
-            use = LayoutUse::Holder;
-        else if (!cell.chain.empty()) {
-            use = useOf(m_layout, cell.chain, cell.isHolder || cell.goesOn);
-            isThick = std::any_of(cell.chain.begin(), cell.chain.end(), [&](std::size_t node) {
-                return m_layout.nodes[node].has(LayoutFlag::Boots);
-            });
-        }
+        const auto [use, isThick] = paintOfCell(cell);
         paint(box, use, isThick, text.hint);
-        constexpr double pad = 5, least = 58;
+        constexpr double pad = 4, wide = 200;
         const double room = box.width - 2 * pad;
-        const bool isFree = use == LayoutUse::Free;
-        if (room < least && widthOf(text.title, NORMAL, true) > room) {
-            if (isFree)
-                return;
+        const auto fits = [&](const std::string& words, double fontSize, bool isBold) {
+            return widthOf(words, fontSize, isBold) <= room;
+        };
+        if (room < wide &&
+            !(fits(text.title, NORMAL, true) && (text.facts.empty() || fits(text.facts[0], SMALL, false)))) {
             const std::string letter = letterFor(notes.size());
-            m_svg.text(box.x + box.width / 2, box.y + ROW / 2 + 3, SMALL, letter, "text-anchor=\"middle\"");
-            notes.push_back(letter + ": " + text.note);
+            const bool hasRoom = widthOf(letter, SMALL) + 4 <= box.width;
+            if (hasRoom)
+                m_svg.text(box.x + box.width / 2, box.y + ROW / 2 + 3, SMALL, letter,
+                           "text-anchor=\"middle\"");
+            notes.push_back({hasRoom ? letter : "", text.note, use});
             return;
         }
         const std::string title = cut(text.title, room, NORMAL, true);
-        m_svg.text(box.x + pad, box.y + 14, NORMAL, title, isFree ? QUIET : BOLD);
+        m_svg.text(box.x + pad, box.y + 14, NORMAL, title, use == LayoutUse::Free ? QUIET : BOLD);
         const double used = widthOf(title, NORMAL, true) + 10;
-        if (!text.names.empty() && room - used > least)
-            m_svg.text(box.x + pad + used, box.y + 14, SMALL, cut(text.names, room - used, SMALL), QUIET);
-        m_svg.text(box.x + pad, box.y + 28, SMALL, cut(text.facts, room, SMALL));
+        m_svg.text(box.x + pad + used, box.y + 14, SMALL, fitting(text.names, room - used), QUIET);
+        m_svg.text(box.x + pad, box.y + 28, SMALL, fitting(text.facts, room));
+    }
+
+    // What has a bar of its own is painted here by what lies there.
+    [[nodiscard]] std::pair<LayoutUse, bool> paintOfCell(const BarCell& cell) const {
+        if (cell.hidden > 0)
+            return {LayoutUse::Holder, false};
+        if (cell.chain.empty())
+            return {LayoutUse::Free, false};
+        const std::size_t top = cell.chain.back();
+        const bool isThick = (cell.goesOn && m_boots[top]) ||
+                             std::any_of(cell.chain.begin(), cell.chain.end(), [&](std::size_t node) {
+                                 return m_layout.nodes[node].has(LayoutFlag::Boots);
+                             });
+        if (cell.goesOn && (m_boots[top] || m_system[top]))
+            return {LayoutUse::System, isThick};
+        return {useOf(m_layout, cell.chain, cell.isHolder || cell.goesOn), isThick};
+    }
+
+    // As many of the texts as have room, none of them cut.
+    static std::string fitting(const std::vector<std::string>& texts, double room) {
+        std::string made;
+        for (const std::string& text : texts) {
+            const std::string longer = dotted({made, text});
+            if (widthOf(longer, SMALL) > room)
+                break;
+            made = longer;
+        }
+        return made;
     }
 
     void interfaces() {
@@ -265,6 +333,7 @@ class Drawing {
     }
 
     const Layout& m_layout;
+    const std::vector<bool> m_boots, m_system; ///< nodes that carry such
     SvgElements m_svg;
     double m_y = MARGIN;
 };

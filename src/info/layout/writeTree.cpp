@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info/Session.h"
+#include "info/asks/TextTable.h"
 #include "info/layout/labels.h"
 #include "info/layout/renderers.h"
+#include "info/paragraphs.h"
 
 #include <algorithm>
-#include <array>
+#include <optional>
 #include <ostream>
 #include <string_view>
 #include <utility>
@@ -15,16 +17,15 @@ namespace Zorvane {
 
 namespace {
 
-enum Column : std::size_t { NAME, SIZE, WHAT, FILE_SYSTEM, MOUNTED_AT, NOTES, COLUMNS };
-using Cells = std::array<std::string, COLUMNS>;
-
-constexpr std::array<const char*, COLUMNS> TITLES = {"NAME",        "SIZE",       "WHAT",
-                                                     "FILE SYSTEM", "MOUNTED AT", "NOTES"};
-constexpr std::array<std::size_t, COLUMNS> LIMITS = {60, 10, 40, 40, 100, 120};
+constexpr std::size_t GAP = 2;
+constexpr std::size_t WIDEST_NAME = 60; ///< one that is longer does not push the other rows
+constexpr std::size_t LEAST_NAME = 8, LEAST_FACTS = 24;
 
 struct Row {
     std::string branch; ///< the lines in front of the name
-    Cells cells;
+    std::string below;  ///< the same for what the facts need of further lines
+    std::string name, size;
+    std::vector<std::string> facts; ///< with their commas; a line may end behind each
     const char* sgr = nullptr;
 };
 
@@ -77,25 +78,22 @@ class Tree {
     }
 
     void add(const LayoutEdge& edge, const std::string& branch, const std::string& below, unsigned depth) {
-        const LayoutNode& node = m_layout.nodes[edge.node];
-        Row row = rowOf(edge, branch);
         const bool isAgain = m_isShown[edge.node];
-        std::vector<LayoutEdge> uppers;
-        if (isAgain) {
-            row.cells[MOUNTED_AT].clear();
-            row.cells[NOTES] = "shown above";
-        } else
-            uppers = shownUppers(m_layout, edge.node);
         m_isShown[edge.node] = true;
-        if (const LayoutNode* fileSystem = isAgain ? nullptr : onlyFileSystem(uppers)) {
+        std::vector<LayoutEdge> uppers;
+        if (!isAgain)
+            uppers = shownUppers(m_layout, edge.node);
+        const LayoutNode* fileSystem = onlyFileSystem(uppers);
+        if (fileSystem) {
             m_isShown[uppers.front().node] = true;
             uppers.clear();
-            fillFileSystem(row, node, *fileSystem);
         }
+        Row row = rowOf(edge, branch, isAgain, fileSystem);
         if (depth == MAX_LAYOUT_DEPTH && !uppers.empty()) {
-            row.cells[NOTES] = "what lies on it is shown below";
+            addFacts(row, {"what lies on it is shown below"});
             uppers.clear();
         }
+        row.below = below + (uppers.empty() ? "" : m_branches.passing);
         m_rows.push_back(std::move(row));
         for (std::size_t i = 0; i < uppers.size(); ++i) {
             const bool isLast = i + 1 == uppers.size();
@@ -104,54 +102,65 @@ class Tree {
         }
     }
 
-    [[nodiscard]] Row rowOf(const LayoutEdge& edge, const std::string& branch) const {
+    [[nodiscard]] Row rowOf(const LayoutEdge& edge, const std::string& branch, bool isAgain,
+                            const LayoutNode* fileSystem) const {
         const LayoutNode& node = m_layout.nodes[edge.node];
-        Row row{branch, {}, nullptr};
-        const bool isFileSystem = node.kind == LayoutKind::FileSystem;
-        row.cells[NAME] = titleOf(node);
-        row.cells[SIZE] = sizeText(node.size);
-        row.cells[WHAT] = isFileSystem ? node.sort : sortOf(node);
-        row.cells[FILE_SYSTEM] = isFileSystem ? shown(node.detail) : "";
-        row.cells[MOUNTED_AT] = mounts(node);
-        row.cells[NOTES] = notes(node);
-        if (edge.extent && node.size && *edge.extent < *node.size)
-            append(row.cells[NOTES], sizeText(edge.extent) + " of it here");
+        Row row{branch, {}, titleOf(node), sizeText(node.size), {}, nullptr};
         row.sgr = isDisk(edge.node) ? color::BOLD : node.has(LayoutFlag::Free) ? color::DIM : nullptr;
+        std::string what = node.kind == LayoutKind::FileSystem ? sortOfFileSystem(node) : sortOf(node);
+        if (isAgain) {
+            addFacts(row, {std::move(what)});
+            addFacts(row, {"shown above"});
+        } else {
+            addFacts(row, withPlaces(std::move(what), node));
+            if (fileSystem)
+                addFacts(row, withPlaces(nameOf(*fileSystem, node), *fileSystem));
+            addNotes(row, node, fileSystem);
+        }
+        if (edge.extent && node.size && *edge.extent < *node.size)
+            addFacts(row, {sizeText(edge.extent) + " of it here"});
         return row;
     }
 
-    static void append(std::string& cell, const std::string& text) {
-        if (!text.empty())
-            cell += (cell.empty() ? "" : ", ") + text;
+    static void addFacts(Row& row, const std::vector<std::string>& facts) {
+        if (!row.facts.empty())
+            row.facts.back() += ';';
+        row.facts.insert(row.facts.end(), facts.begin(), facts.end());
     }
 
-    static void fillFileSystem(Row& row, const LayoutNode& volume, const LayoutNode& fileSystem) {
-        row.cells[FILE_SYSTEM] = sortOf(fileSystem);
-        if (!fileSystem.name.empty() && fileSystem.name != volume.name &&
-            mounts(fileSystem) != fileSystem.name)
-            row.cells[FILE_SYSTEM] += " \"" + shown(fileSystem.name) + '"';
-        append(row.cells[MOUNTED_AT], mounts(fileSystem));
-        LayoutNode both = volume;
+    static std::vector<std::string> withPlaces(std::string what, const LayoutNode& node) {
+        std::vector<std::string> facts = {std::move(what)};
+        for (const std::string& place : node.mountedAt) {
+            if (facts.size() > 1)
+                facts.back() += ',';
+            facts.push_back((facts.size() > 1 ? "" : "at ") + shown(place));
+        }
+        return facts;
+    }
+
+    // "ZFS file system", "file system, NTFS".
+    static std::string sortOfFileSystem(const LayoutNode& node) {
+        return node.detail.empty() ? node.sort : node.sort + ", " + shown(node.detail);
+    }
+
+    static std::string nameOf(const LayoutNode& fileSystem, const LayoutNode& volume) {
+        const auto& places = fileSystem.mountedAt;
+        const bool isTold = fileSystem.name.empty() || fileSystem.name == volume.name ||
+                            (places.size() == 1 && places.front() == fileSystem.name);
+        return sortOf(fileSystem) + (isTold ? "" : " \"" + shown(fileSystem.name) + '"');
+    }
+
+    static void addNotes(Row& row, const LayoutNode& node, const LayoutNode* fileSystem) {
+        LayoutNode both = node;
         for (const LayoutFlag flag : {LayoutFlag::Boots, LayoutFlag::System, LayoutFlag::Swap})
-            if (fileSystem.has(flag))
+            if (fileSystem && fileSystem->has(flag))
                 both.set(flag);
-        row.cells[NOTES] = notes(both);
-    }
-
-    static std::string mounts(const LayoutNode& node) {
-        std::vector<std::string> places;
-        for (const std::string& place : node.mountedAt)
-            places.push_back(shown(place));
-        return joined(places);
-    }
-
-    static std::string notes(const LayoutNode& node) {
-        std::string text = flagsOf(node);
+        if (const std::string flags = flagsOf(both); !flags.empty())
+            addFacts(row, {flags});
         if (!node.group.empty() && node.kind != LayoutKind::Volume)
-            append(text, "in " + shown(node.group));
+            addFacts(row, {"in " + shown(node.group)});
         if (!node.dataStore.empty())
-            append(text, "goes to " + shown(node.dataStore) + (node.isDefaultStore ? " (default)" : ""));
-        return text;
+            addFacts(row, {"goes to " + shown(node.dataStore) + (node.isDefaultStore ? " (default)" : "")});
     }
 
     const Layout& m_layout;
@@ -160,53 +169,95 @@ class Tree {
     std::vector<Row> m_rows;
 };
 
-using Widths = std::array<std::size_t, COLUMNS>;
-
-void widen(Widths& widths, const std::vector<Row>& rows) {
-    for (const Row& row : rows)
-        for (std::size_t column = 0; column < COLUMNS; ++column) {
-            const std::size_t branch = column == NAME ? terminalColumns(row.branch) : 0;
-            widths[column] =
-                std::max(widths[column], branch + terminalColumns(shown(row.cells[column], LIMITS[column])));
+// Where the columns of all rows stand, and what a terminal leaves of a name.
+class Page {
+  public:
+    Page(const std::vector<Row>& rows, const Session& session)
+        : m_session(session), m_width(session.width().value_or(TERMINAL_WIDTH)) {
+        for (const Row& row : rows)
+            m_size = std::max(m_size, terminalColumns(row.size));
+        if (session.width()) {
+            const std::size_t others = 2 * GAP + m_size + LEAST_FACTS;
+            m_mostName = std::max(LEAST_NAME, m_width > others ? m_width - others : 0);
         }
-}
-
-void writeRows(const std::vector<Row>& rows, const Widths& widths, const Session& session) {
-    for (const Row& row : rows) {
-        std::string line;
-        std::size_t blanks = 0;
-        for (std::size_t column = 0; column < COLUMNS; ++column) {
-            std::string text = shown(row.cells[column], LIMITS[column]);
-            std::size_t width = terminalColumns(text);
-            if (column == NAME) {
-                width += terminalColumns(row.branch);
-                text = row.branch + (row.sgr ? session.colored(text, row.sgr) : text);
-            }
-            const std::size_t missing = widths[column] - width;
-            // Sizes stand right; no line ends in blanks.
-            if (column == SIZE)
-                blanks += missing;
-            if (!text.empty()) {
-                line += std::string(blanks, ' ') + text;
-                blanks = 0;
-            }
-            blanks += (column == SIZE ? 0 : missing) + (widths[column] > 0 ? 2 : 0);
+        for (const Row& row : rows) {
+            const std::size_t columns = terminalColumns(row.branch + nameOf(row));
+            if (columns <= WIDEST_NAME)
+                m_name = std::max(m_name, columns);
         }
-        session.out() << line << '\n';
     }
-}
+
+    void write(const std::vector<Row>& rows) const {
+        for (const Row& row : rows)
+            write(row);
+    }
+
+  private:
+    [[nodiscard]] std::string nameOf(const Row& row) const {
+        if (!m_mostName)
+            return row.name;
+        const std::size_t branch = terminalColumns(row.branch);
+        return shortened(row.name, std::max(LEAST_NAME, *m_mostName > branch ? *m_mostName - branch : 0));
+    }
+
+    void write(const Row& row) const {
+        const std::string name = nameOf(row);
+        std::string line = row.branch + (row.sgr ? m_session.colored(name, row.sgr) : name);
+        std::size_t at = terminalColumns(row.branch + name);
+        const std::size_t sizeStart = m_name + GAP + m_size - terminalColumns(row.size);
+        if (!row.size.empty())
+            fill(line, at, sizeStart, row.size);
+        const std::size_t start = m_name + GAP + m_size + GAP;
+        const std::size_t room = std::max(LEAST_FACTS, m_width > start ? m_width - start : 0);
+        std::size_t used = 0;
+        for (std::string fact : row.facts) {
+            if (m_session.width())
+                fact = shortened(fact, room);
+            const std::size_t columns = terminalColumns(fact);
+            if (used > 0 && used + 1 + columns > room) {
+                m_session.out() << line << '\n';
+                line = row.below;
+                at = terminalColumns(row.below);
+                used = 0;
+            }
+            if (used == 0)
+                fill(line, at, start, fact);
+            else
+                line += ' ' + fact;
+            used += columns + (used > 0 ? 1 : 0);
+        }
+        m_session.out() << line << '\n';
+    }
+
+    // Blanks up to there, at least the gap, and the text.
+    static void fill(std::string& line, std::size_t& at, std::size_t start, const std::string& text) {
+        const std::size_t blanks = std::max(at == 0 ? 0 : GAP, start > at ? start - at : 0);
+        line += std::string(blanks, ' ') + text;
+        at += blanks + terminalColumns(text);
+    }
+
+    const Session& m_session;
+    const std::size_t m_width;
+    std::optional<std::size_t> m_mostName; ///< with its branch; none: no name is cut
+    std::size_t m_name = 0, m_size = 0;
+};
 
 void writeInterfaces(const Layout& layout, const Session& session) {
     if (layout.interfaces.empty())
         return;
-    session.out() << "\nInterfaces:\n";
+    const bool hasNetwork = layout.target && !layout.target->network.empty();
+    std::vector<std::string> titles = {"INTERFACE", "MAC ADDRESS", "ADDRESSES"};
+    if (hasNetwork)
+        titles.insert(titles.begin() + 2, "GOES TO");
+    TextTable table(titles);
     for (const LayoutInterface& interface : layout.interfaces) {
-        session.out() << "  " << shown(interface.name) << "  " << shown(interface.mac) << "  "
-                      << joined(interface.addresses);
-        if (layout.target && !layout.target->network.empty())
-            session.out() << "  goes to " << shown(layout.target->network);
-        session.out() << '\n';
+        std::vector<std::string> cells = {interface.name, interface.mac, joined(interface.addresses)};
+        if (hasNetwork)
+            cells.insert(cells.begin() + 2, layout.target->network);
+        table.add(cells);
     }
+    session.out() << '\n';
+    table.write(session);
 }
 
 } // namespace
@@ -215,24 +266,24 @@ void writeLayoutTree(const Layout& layout, const Session& session) {
     const bool isUnicode = std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
     Tree tree(layout, isUnicode ? DRAWN : PLAIN);
     tree.addDisks();
-    std::vector<Row> disks = tree.takeRows();
+    const std::vector<Row> disks = tree.takeRows();
     tree.addRest();
     const std::vector<Row> rest = tree.takeRows();
 
-    Row titles;
-    for (std::size_t column = 0; column < COLUMNS; ++column)
-        titles.cells[column] = TITLES[column];
-    titles.sgr = color::DIM;
-    disks.insert(disks.begin(), titles);
-    Widths widths{};
-    widen(widths, disks);
-    widen(widths, rest);
+    std::vector<Row> all = {Row{{}, {}, "NAME", "SIZE", {"WHAT"}, color::DIM}};
+    all.insert(all.end(), disks.begin(), disks.end());
+    all.insert(all.end(), rest.begin(), rest.end());
+    const Page page(all, session);
 
-    session.out() << session.colored(headingOf(layout), color::BOLD) << ": " << summaryOf(layout) << ".\n\n";
-    writeRows(disks, widths, session);
+    const std::string heading = headingOf(layout), summary = summaryOf(layout);
+    const bool isOneLine = terminalColumns(heading + summary) + 3 <= session.width().value_or(TERMINAL_WIDTH);
+    session.out() << session.colored(heading, color::BOLD) << (isOneLine ? ": " : ":\n") << summary
+                  << ".\n\n";
+    page.write(std::vector{all.front()});
+    page.write(disks);
     if (!rest.empty()) {
         session.out() << "\nNot on any disk:\n";
-        writeRows(rest, widths, session);
+        page.write(rest);
     }
     writeInterfaces(layout, session);
     for (const std::string& remark : remarksOf(layout))
