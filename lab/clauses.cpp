@@ -155,7 +155,7 @@ void addRecord(const Statement& statement, RecordColumns& record, RequestBudget&
     markFromDb(table, *row);
     budget.takeBytes(sizeOf(table, *row));
     record.vector->rows(reply).records().push_back(row.get());
-    static_cast<void>(row.release()); // the reply's from here on
+    static_cast<void>(row.release());
 }
 
 int statusOf(const DatabaseError& error) {

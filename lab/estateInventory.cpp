@@ -21,6 +21,7 @@ constexpr std::size_t MACHINES_PER_HOST = 12;
 constexpr std::size_t HOSTS_PER_DATA_CENTER = 6;
 constexpr std::size_t DATA_CENTERS_PER_SERVER = 2;
 constexpr std::size_t HOSTS_PER_CLUSTER = 3;
+constexpr std::size_t MOST_GIB = std::size_t{16} << 10; ///< free on a store, about
 
 // Names as sites have them: with blanks, slashes, other alphabets, marks, and the same one in two places.
 // Data centers and folders are parts of paths, where a slash is spelled "%2f".
@@ -111,7 +112,7 @@ class InventoryText {
         // Hosts of a cluster see the same stores.
         const auto [known, isNew] = m_freeGib.try_emplace(name);
         if (isNew)
-            known->second = (64 + m_dice.roll(16 * 1024)) / scarcity;
+            known->second = (64 + m_dice.roll(MOST_GIB)) / scarcity;
         m_text += "      { name = " + tomlQuoted(name) +
                   ", free_mib = " + std::to_string(known->second << 10) +
                   (pod.empty() ? "" : ", pod = " + tomlQuoted(pod)) + " },\n";

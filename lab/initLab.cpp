@@ -47,7 +47,7 @@ fs::path shipped(const char* name) {
     std::error_code error;
     const fs::path top = fs::read_symlink("/proc/self/exe", error).parent_path().parent_path();
     for (const fs::path& folder : {top, top.parent_path()})
-        if (const fs::path found = folder / "share" / name; !error && fs::exists(found))
+        if (fs::path found = folder / "share" / name; !error && fs::exists(found))
             return found;
     return fs::path(INSTALLED_SHARE) / name;
 }

@@ -204,7 +204,7 @@ void readDocument(std::span<const unsigned char> document, CZor& rows, RowFilter
         if (!accepts(*row))
             continue;
         vector->rows(rows).records().push_back(row.get());
-        row.release();
+        static_cast<void>(row.release());
     }
 }
 

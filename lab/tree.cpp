@@ -69,7 +69,7 @@ class TreeWalk {
             m_budget.takeBytes(sizeOf(table, *row));
             m_fresh[&table].push_back(row->getId());
             records.push_back(row.get());
-            row.release();
+            static_cast<void>(row.release());
         }
     }
 

@@ -46,6 +46,7 @@ std::vector<CConfig> configsOf(const std::string& client) {
 // For shells, which complete words from it: a name a line, each once.
 void writeNames(const std::vector<CConfig>& configs, bool ofClients, std::ostream& out) {
     std::vector<std::string> names;
+    names.reserve(configs.size());
     for (const CConfig& config : configs)
         names.push_back(shown(ofClients ? config.getClientName() : config.getName()));
     std::sort(names.begin(), names.end());

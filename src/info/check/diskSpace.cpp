@@ -58,6 +58,7 @@ class Sheet {
 
 void reportMap(const B2VInput& input, const std::vector<ClientDisk>& disks, Findings& findings) {
     std::vector<std::string> known;
+    known.reserve(disks.size());
     for (const ClientDisk& disk : disks)
         known.push_back(disk.name);
     std::set<std::string> mapped;
