@@ -57,7 +57,7 @@ void addDatabase(Bundle& bundle, const LabDirectory& directory) {
     tryTo(bundle, "the state of the database", [&] {
         bundle.add("lab/database.json",
                    "schema, integrity check, and the number of rows of each table that has some", Form::Json,
-                   databaseFacts(directory).dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+                   jsonText(databaseFacts(directory)));
     });
 }
 

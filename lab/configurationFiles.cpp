@@ -50,11 +50,7 @@ std::string exportConfiguration(const Store& store, const std::string& client,
         throw LabError("client \"" + client + "\"" +
                        (configuration.empty() ? "" : ", configuration \"" + configuration + "\"") + ": " +
                        Suite::printable(result.text));
-    unsigned char* xml = nullptr;
-    int length = 0;
-    rows.writeXml(&xml, &length);
-    const std::unique_ptr<unsigned char[]> owner(xml);
-    return std::string(reinterpret_cast<const char*>(xml), static_cast<std::size_t>(length));
+    return documentText(rows);
 }
 
 } // namespace Zorvane

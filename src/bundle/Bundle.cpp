@@ -203,8 +203,8 @@ void Bundle::addContents() {
     const Json manifest = {
         {"program", m_options.program},   {"version", m_options.version}, {"made", made},
         {"isMasked", m_options.isMasked}, {"members", members},           {"missing", missing}};
-    m_members.push_back({"manifest.json", "the list of members, for programs", Form::Json,
-                         manifest.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"});
+    m_members.push_back(
+        {"manifest.json", "the list of members, for programs", Form::Json, jsonText(manifest)});
 }
 
 std::string pathPart(const std::string& name) {

@@ -98,7 +98,7 @@ void addMachineFacts(Bundle& bundle, const std::vector<std::pair<std::string, st
         {"environment", environment},
     };
     bundle.add("machine.json", "versions, operating system, locale, and the environment that counts",
-               Form::Json, facts.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+               Form::Json, jsonText(facts));
 }
 
 } // namespace Zorvane

@@ -4,8 +4,6 @@
 #include "bundle/documentNames.h"
 #include "model/CZor.h"
 
-#include <memory>
-
 #include <nlohmann/json.hpp>
 
 namespace Zorvane {
@@ -27,7 +25,7 @@ std::string maskedJson(const std::string& text, Mask& mask) {
     if (document.is_discarded())
         return mask.masked(std::string_view(text));
     maskTexts(document, mask);
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    return jsonText(document);
 }
 
 // From a quote or a comment's sign to its end, that included; a text of several lines ends where a line does,
@@ -66,14 +64,14 @@ std::string maskedDocument(const std::string& text, Mask& mask) {
     if (!readRows(text, rows))
         return {};
     maskRows(rows, mask);
-    unsigned char* xml = nullptr;
-    int length = 0;
-    rows.writeXml(&xml, &length);
-    const std::unique_ptr<unsigned char[]> owner(xml);
-    return std::string(reinterpret_cast<const char*>(xml), static_cast<std::size_t>(length));
+    return documentText(rows);
 }
 
 } // namespace
+
+std::string jsonText(const Json& document) {
+    return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
 
 void learnFrom(Form form, const std::string& text, Mask& mask) {
     if (form == Form::Document) {

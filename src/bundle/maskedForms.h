@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include <nlohmann/json_fwd.hpp>
+
 namespace Zorvane {
 
 enum class Form : std::uint8_t {
@@ -16,6 +18,9 @@ enum class Form : std::uint8_t {
     Json,     ///< texts are masked, keys are not
     Document, ///< rows of the recovery database
 };
+
+/// A document as it stands in a file: indented, and never refused for a name's code set.
+std::string jsonText(const nlohmann::ordered_json& document);
 
 /// Learns the names of a file.
 void learnFrom(Form form, const std::string& text, Mask& mask);

@@ -124,10 +124,6 @@ Json configurationInForce(const Suite::Configuration& site) {
     };
 }
 
-std::string textOf(const Json& document) {
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
-}
-
 } // namespace
 
 void addConfigurationFile(Bundle& bundle, const std::string& file) {
@@ -139,7 +135,7 @@ void addSite(Bundle& bundle) {
     learnServers(bundle.mask(), site.master);
     addConfigurationFile(bundle, Suite::configurationPath());
     bundle.add("site/configuration.json", "the configuration in force, and the file that it comes from",
-               Form::Json, textOf(configurationInForce(site)));
+               Form::Json, jsonText(configurationInForce(site)));
     if (site.logDirectory.empty())
         bundle.miss("logs", "no log directory is configured; set directory in [logging]");
     else
@@ -172,7 +168,7 @@ void addServers(Bundle& bundle, std::chrono::seconds limit) {
     }
     bundle.add("site/servers.json",
                "what the servers' names resolve to, and whether the services take connections", Form::Json,
-               textOf({{"names", names}, {"services", services}}));
+               jsonText({{"names", names}, {"services", services}}));
 }
 
 void addLogs(Bundle& bundle, const std::string& directory) {

@@ -2,6 +2,7 @@
 #include "info/explainedSubjects.h"
 
 #include "info/paragraphs.h"
+#include "platform/stringManipulation.h"
 
 #include <algorithm>
 #include <charconv>
@@ -89,9 +90,8 @@ std::string_view headingOf(const Subject& subject) {
                                 : "Findings";
 }
 
-std::string replaced(std::string text, std::string_view from, std::string_view to) {
-    for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
-        text.replace(at, from.size(), to);
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    StrReplace(text, from, to, true);
     return text;
 }
 

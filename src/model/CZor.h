@@ -101,4 +101,7 @@ class CZor {
     std::unique_ptr<XmlParser> m_pXml; ///< of the last writeXml or readXml
 };
 
+/// The document of all rows; empty if it can't be written.
+std::string documentText(CZor& rows);
+
 } // namespace Zorvane

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <unordered_map>
 
@@ -257,6 +258,15 @@ int CZor::readXml(char* filename) {
 
 int CZor::readXml(std::string& filename) {
     return readXml(filename.data());
+}
+
+std::string documentText(CZor& rows) {
+    unsigned char* xml = nullptr;
+    int length = 0;
+    if (rows.writeXml(&xml, &length) != 0)
+        return {};
+    const std::unique_ptr<unsigned char[]> owner(xml);
+    return std::string(reinterpret_cast<const char*>(xml), static_cast<std::size_t>(length));
 }
 
 } // namespace Zorvane

@@ -30,6 +30,10 @@ std::vector<std::string> messageArguments(const Finding& finding) {
     return describe(finding.kind).hasArgument ? std::vector{finding.value} : std::vector<std::string>();
 }
 
+Finding notChecked(const std::string& what, const std::string& why) {
+    return {.kind = FindingKind::NOT_CHECKED, .value = what + " (" + why + ")"};
+}
+
 std::string keyOf(const Finding& finding) {
     return finding.key.empty() ? describe(finding.kind).key : finding.key;
 }

@@ -51,6 +51,8 @@ struct Finding {
     std::string key{}; ///< that sets the value, where it isn't the one of the kind
 };
 
+/// Tells that something was not checked, and why.
+Finding notChecked(const std::string& what, const std::string& why);
 /// The arguments of the finding's catalogue message.
 std::vector<std::string> messageArguments(const Finding& finding);
 /// The key of the configuration file, or the option, that sets the value; "" if none does.

@@ -8,6 +8,7 @@
 #include "platform/returnCodes.h"
 #include "platform/stringManipulation.h"
 #include "resources/CB2VResource.h"
+#include "resources/backupCatalogue.h"
 #include "resources/clientConfiguration.h"
 #include "resources/wantedFiles.h"
 
@@ -17,16 +18,6 @@
 namespace Zorvane {
 
 namespace {
-
-constexpr long END_OF_TIME = 32535212400; // the catalogue's last date, for a configuration without a date
-constexpr int WINDOWS_CLIENT_TYPE = 13;
-constexpr int OTHER_CLIENT_TYPE = 0;
-constexpr int STATUS_WRONG_CLIENT_TYPE = 227;
-constexpr std::size_t HEADER_LINES = 2;
-constexpr unsigned DATE_FIELD = 1;
-constexpr unsigned TIME_FIELD = 2;
-constexpr unsigned SCHEDULE_TYPE_FIELD = 7;
-constexpr unsigned POLICY_FIELD = 9;
 
 // What a catalogue command says when the catalogue itself could not be consulted.
 bool isCatalogueFailure(int status) {
@@ -66,14 +57,14 @@ class ImageSearch {
     /// Whether all wanted files were found in the images of a listing.
     bool walk(std::vector<std::string> listing) {
         m_lines = std::move(listing);
-        for (std::size_t index = HEADER_LINES; index < m_lines.size(); ++index) {
+        for (std::size_t index = IMAGE_HEADER_LINES; index < m_lines.size(); ++index) {
             const std::string line = m_lines[index];
             m_trace.write(LEVEL_TRACE, "line = ", line);
             // No rule goes by the date; a line without one leaves its warning in the log.
-            for (const unsigned unused : {DATE_FIELD, TIME_FIELD})
+            for (const unsigned unused : {IMAGE_DATE_FIELD, IMAGE_TIME_FIELD})
                 (void)field(line, unused);
-            const std::string scheduleType = field(line, SCHEDULE_TYPE_FIELD);
-            std::string policy = field(line, POLICY_FIELD);
+            const std::string scheduleType = field(line, IMAGE_SCHEDULE_TYPE_FIELD);
+            std::string policy = field(line, IMAGE_POLICY_FIELD);
             if (contains(m_seenPolicies, policy))
                 continue;
             for (const std::string& file : m_wanted)
@@ -183,7 +174,7 @@ std::uint32_t CB2VResource::isFullBackupAvail(const B2VInput& input, const std::
 
     const std::string listing = "kvnclimagelist -client " + esm.getNodeName() +
                                 (policy.empty() ? "" : " -policy " + policy) + " -X -s 0 -X -e " +
-                                std::to_string(retrievalTime ? retrievalTime : END_OF_TIME) +
+                                std::to_string(retrievalTime ? retrievalTime : CATALOGUE_END_OF_TIME) +
                                 " -t NOT_ARCHIVE -Listseconds -ct ";
     trace.write(LEVEL_TRACE, "PolicyName= ", policy);
     std::string command = listing + std::to_string(clientType);
@@ -211,7 +202,7 @@ std::uint32_t CB2VResource::isFullBackupAvail(const B2VInput& input, const std::
     for (const std::string& line : lines)
         trace.write(LEVEL_TRACE, line);
     std::uint32_t result = 1;
-    if (lines.size() > HEADER_LINES) {
+    if (lines.size() > IMAGE_HEADER_LINES) {
         ImageSearch search(trace, esm.getNodeName(), clientType, wantedFiles(zor));
         if (search.walk(std::move(lines)))
             result = 0;

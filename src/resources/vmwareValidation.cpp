@@ -258,9 +258,7 @@ std::uint32_t CVmwareB2VResource::validateVMwareVEsetup(B2VInput& input) {
     const auto leave = [&] {
         return trace.leave(rc, rc == ZOR_SUCCESS ? ", return ZOR_SUCCESS" : ", return ZOR_ERROR");
     };
-    const auto skip = [&](const char* what, const char* why) {
-        report({.kind = FindingKind::NOT_CHECKED, .value = std::string(what) + " (" + why + ")"});
-    };
+    const auto skip = [&](const char* what, const char* why) { report(notChecked(what, why)); };
     ListedNames listed;
     // Takes the result of a check, which has filled `listed`. Whether the next one is made.
     const auto goesOn = [&](bool holds, FindingKind rule, const std::string& name, const auto&... debugText) {
@@ -367,9 +365,8 @@ void CVmwareB2VResource::noteDoubts(FindingKind rule, const std::string& name, c
                                     const std::string& assumption) {
     if (rule == FindingKind::MACHINE_EXISTS) {
         if (!known.isAnswered)
-            report({.kind = FindingKind::NOT_CHECKED,
-                    .value = "name of the virtual machine (the inventory did not list the machines, and the "
-                             "name counts as free)"});
+            report(notChecked("name of the virtual machine",
+                              "the inventory did not list the machines, and the name counts as free"));
         return;
     }
     const auto matches = std::count_if(known.names.begin(), known.names.end(),

@@ -176,18 +176,13 @@ std::string textOf(const UnansweredListing& listing) {
 }
 
 void TargetListings::fillAll() {
-    const auto fill = [&](std::deque<TargetHost>& hosts) {
-        for (TargetHost& host : hosts) {
+    for (TargetDataCenter& dataCenter : m_target.dataCenters) {
+        fillFolders(dataCenter);
+        eachHost(dataCenter, [&](TargetHost& host, const TargetCluster*) {
             fillPools(host);
             fillNetworks(host);
             fillStores(host);
-        }
-    };
-    for (TargetDataCenter& dataCenter : m_target.dataCenters) {
-        fillFolders(dataCenter);
-        for (TargetCluster& cluster : dataCenter.clusters)
-            fill(cluster.hosts);
-        fill(dataCenter.hosts);
+        });
     }
 }
 

@@ -64,6 +64,16 @@ TargetServers askServers(const std::string& master);
 /// pools, networks and data stores nothing is asked yet.
 TargetTree askTarget(const std::string& server, const std::string& proxy, const std::string& master);
 
+/// Calls `see` with each host of a data center and the cluster that it is in, which is null for one in none.
+template <class DataCenter, class See>
+void eachHost(DataCenter& dataCenter, See see) {
+    for (auto& cluster : dataCenter.clusters)
+        for (auto& host : cluster.hosts)
+            see(host, &cluster);
+    for (auto& host : dataCenter.hosts)
+        see(host, static_cast<decltype(&dataCenter.clusters.front())>(nullptr));
+}
+
 /// Asks for the rest of a tree, place by place. A listing that fails leaves its part empty and is noted
 /// there.
 class TargetListings {

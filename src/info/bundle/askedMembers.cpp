@@ -10,7 +10,6 @@
 #include "model/task_records.h"
 #include "resources/clientConfiguration.h"
 
-#include <memory>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
@@ -20,14 +19,6 @@ namespace Zorvane {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::string documentText(CZor& rows) {
-    unsigned char* xml = nullptr;
-    int length = 0;
-    rows.writeXml(&xml, &length);
-    const std::unique_ptr<unsigned char[]> owner(xml);
-    return std::string(reinterpret_cast<const char*>(xml), static_cast<std::size_t>(length));
-}
 
 std::string askDocument(const std::string& client, const std::string& config) {
     CZor rows;
@@ -42,7 +33,7 @@ std::string askCheck(const std::vector<std::string>& words) {
     ConversionCheck check;
     check.arguments = words;
     checkConversion(check);
-    return documentOf(check).dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return jsonText(documentOf(check));
 }
 
 // --- Names
@@ -78,13 +69,9 @@ class NameLines {
         add(NameKind::DataCenter, dataCenter.name);
         addAll(NameKind::Folder, dataCenter.folders);
         addAll(NameKind::Machine, dataCenter.machines);
-        for (const TargetHost& host : dataCenter.hosts)
-            add(host);
-        for (const TargetCluster& cluster : dataCenter.clusters) {
+        for (const TargetCluster& cluster : dataCenter.clusters)
             add(NameKind::Cluster, cluster.name);
-            for (const TargetHost& host : cluster.hosts)
-                add(host);
-        }
+        eachHost(dataCenter, [&](const TargetHost& host, const TargetCluster*) { add(host); });
     }
     [[nodiscard]] const std::string& text() const { return m_text; }
 
@@ -98,10 +85,12 @@ std::string askInventory(const B2VInput& input) {
     for (const auto& [server, type] : known.servers)
         names.add(NameKind::Host, server);
     names.addAll(NameKind::Host, known.proxies);
-    if (!input.vmServer.empty() && !input.vmProxy.empty())
-        for (const TargetDataCenter& dataCenter :
-             askTarget(input.vmServer, input.vmProxy, input.masterServer).dataCenters)
+    if (!input.vmServer.empty() && !input.vmProxy.empty()) {
+        TargetTree target = askTarget(input.vmServer, input.vmProxy, input.masterServer);
+        TargetListings(target, input.masterServer).fillAll();
+        for (const TargetDataCenter& dataCenter : target.dataCenters)
             names.add(dataCenter);
+    }
     return names.text();
 }
 

@@ -5,6 +5,7 @@
 #include "ops/zorop.h"
 #include "platform/fieldSplitting.h"
 #include "platform/stringManipulation.h"
+#include "resources/backupCatalogue.h"
 
 #include <algorithm>
 #include <charconv>
@@ -18,14 +19,7 @@ namespace Zorvane {
 namespace {
 
 constexpr std::int64_t TOLERATED_AGE = 86400; // a day: disks seldom change between a night and the next
-constexpr const char* END_OF_TIME = "32535212400";
-constexpr int WINDOWS_CLIENT_TYPE = 13;
-constexpr int OTHER_CLIENT_TYPE = 0;
-constexpr int STATUS_WRONG_CLIENT_TYPE = 227;
-constexpr std::size_t HEADER_LINES = 2;
-constexpr unsigned SCHEDULE_TYPE_FIELD = 7;
-constexpr unsigned POLICY_FIELD = 9;
-constexpr std::size_t MOST_IMAGES = 10; // each costs a command a file
+constexpr std::size_t MOST_IMAGES = 10;       // each costs a command a file
 
 struct Image {
     std::string date; ///< as the catalogue writes it
@@ -68,13 +62,14 @@ class Catalogue {
     int listImages(std::vector<Image>& images, std::size_t& unread) {
         std::vector<std::string> lines;
         const int status = runForEitherType(lines, [&] {
-            return "kvnclimagelist -client " + m_nodeName + " -X -s 0 -X -e " + END_OF_TIME +
-                   " -t NOT_ARCHIVE -Listseconds -ct " + std::to_string(m_type);
+            return "kvnclimagelist -client " + m_nodeName + " -X -s 0 -X -e " +
+                   std::to_string(CATALOGUE_END_OF_TIME) + " -t NOT_ARCHIVE -Listseconds -ct " +
+                   std::to_string(m_type);
         });
-        for (std::size_t i = HEADER_LINES; i < lines.size(); ++i) {
-            Image image{.date = field(lines[i], 1) + " " + field(lines[i], 2),
-                        .scheduleType = field(lines[i], SCHEDULE_TYPE_FIELD),
-                        .policy = field(lines[i], POLICY_FIELD)};
+        for (std::size_t i = IMAGE_HEADER_LINES; i < lines.size(); ++i) {
+            Image image{.date = field(lines[i], IMAGE_DATE_FIELD) + " " + field(lines[i], IMAGE_TIME_FIELD),
+                        .scheduleType = field(lines[i], IMAGE_SCHEDULE_TYPE_FIELD),
+                        .policy = field(lines[i], IMAGE_POLICY_FIELD)};
             const std::optional<std::int64_t> time = timeOf(image.date);
             image.time = time.value_or(0);
             if (time && !image.policy.empty())
@@ -138,10 +133,6 @@ struct Backups {
     std::int64_t taken = 0; ///< the configuration's date
 };
 
-void skip(Findings& findings, const std::string& what, const std::string& why) {
-    findings.report({.kind = FindingKind::NOT_CHECKED, .value = what + " (" + why + ")"});
-}
-
 std::string statusText(int status) {
     return "the catalogue's command ended with status " + std::to_string(status);
 }
@@ -192,9 +183,9 @@ void explainMissing(const Backups& backups, CollectedFindings& findings) {
                            objectionTo(backups.images.front(), backups) + ".";
     }
     if (asked < backups.images.size() && findings.has(FindingKind::BACKUP_FILE))
-        skip(findings, "older backups that may hold the missing files",
-             "only the newest " + std::to_string(asked) + " of " + std::to_string(backups.images.size()) +
-                 " are asked");
+        findings.report(notChecked("older backups that may hold the missing files",
+                                   "only the newest " + std::to_string(asked) + " of " +
+                                       std::to_string(backups.images.size()) + " are asked"));
 }
 
 void warnOfOldBackup(Catalogue& catalogue, std::int64_t taken, Findings& findings) {
@@ -202,7 +193,7 @@ void warnOfOldBackup(Catalogue& catalogue, std::int64_t taken, Findings& finding
     if (taken == 0)
         return;
     if (const int status = catalogue.tellNewestFull(newestFull))
-        skip(findings, "age of the newest full backup", statusText(status));
+        findings.report(notChecked("age of the newest full backup", statusText(status)));
     else if (newestFull > 0 && taken - newestFull > TOLERATED_AGE)
         findings.report({.kind = FindingKind::BACKUP_OLD,
                          .value = dateText(newestFull),
@@ -225,9 +216,10 @@ void lookIntoBackups(const B2VInput& input, CollectedFindings& findings) {
     Backups backups{catalogue, {}, esm->getPolicy(), taken};
     std::size_t unread = 0;
     if (const int status = catalogue.listImages(backups.images, unread))
-        skip(findings, "what other backups hold", statusText(status));
+        findings.report(notChecked("what other backups hold", statusText(status)));
     else if (unread > 0)
-        skip(findings, "what other backups hold", std::to_string(unread) + " have no date that can be read");
+        findings.report(
+            notChecked("what other backups hold", std::to_string(unread) + " have no date that can be read"));
     else
         explainMissing(backups, findings);
 }

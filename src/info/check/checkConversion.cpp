@@ -62,9 +62,7 @@ class Steps {
     }
 
   private:
-    void skip(const std::string& what, const std::string& why) {
-        m_findings.report({.kind = FindingKind::NOT_CHECKED, .value = what + " (" + why + ")"});
-    }
+    void skip(const std::string& what, const std::string& why) { m_findings.report(notChecked(what, why)); }
 
     bool readClient() {
         constexpr const char* what = "client, backups and disks";

@@ -2,7 +2,6 @@
 #include "info/draft/TargetDraft.h"
 
 #include "info/Session.h"
-#include "info/layout/labels.h"
 #include "platform/stringManipulation.h"
 
 #include <algorithm>
@@ -16,7 +15,6 @@ namespace {
 using Names = std::vector<std::string>;
 
 constexpr std::size_t MOST_OTHERS = 6;
-constexpr int MEBIBYTE_BITS = 20;
 
 bool contains(const Names& names, const std::string& name) {
     return std::any_of(names.begin(), names.end(), [&](const std::string& other) {
@@ -29,10 +27,6 @@ bool isWritableStore(const std::string& store) {
     return isWritable(store) && store.find(':') == std::string::npos && !store.ends_with('"');
 }
 
-std::string roomText(std::int64_t megabytes) {
-    return sizeText(megabytes << MEBIBYTE_BITS);
-}
-
 /// A host with what stands above it.
 struct Place {
     TargetDataCenter* dataCenter = nullptr;
@@ -43,19 +37,13 @@ struct Place {
 // The hosts that a file can name. Of a data center's path zorb2v takes what stands behind the last slash.
 std::vector<Place> placesIn(TargetTree& target) {
     std::vector<Place> places;
-    const auto add = [&](TargetDataCenter& dataCenter, TargetCluster* cluster,
-                         std::deque<TargetHost>& hosts) {
-        for (TargetHost& host : hosts)
-            if (isWritable(host.name))
-                places.push_back({&dataCenter, cluster, &host});
-    };
     for (TargetDataCenter& dataCenter : target.dataCenters) {
         if (!isWritable(dataCenter.name) || dataCenter.name.find('/') != std::string::npos)
             continue;
-        for (TargetCluster& cluster : dataCenter.clusters)
-            if (isWritable(cluster.name))
-                add(dataCenter, &cluster, cluster.hosts);
-        add(dataCenter, nullptr, dataCenter.hosts);
+        eachHost(dataCenter, [&](TargetHost& host, TargetCluster* cluster) {
+            if (isWritable(host.name) && (!cluster || isWritable(cluster->name)))
+                places.push_back({&dataCenter, cluster, &host});
+        });
     }
     return places;
 }
@@ -65,11 +53,7 @@ Names machinesIn(const TargetTree& target) {
     const auto add = [&](const Names& some) { machines.insert(machines.end(), some.begin(), some.end()); };
     for (const TargetDataCenter& dataCenter : target.dataCenters) {
         add(dataCenter.machines);
-        for (const TargetHost& host : dataCenter.hosts)
-            add(host.machines);
-        for (const TargetCluster& cluster : dataCenter.clusters)
-            for (const TargetHost& host : cluster.hosts)
-                add(host.machines);
+        eachHost(dataCenter, [&](const TargetHost& host, const TargetCluster*) { add(host.machines); });
     }
     return machines;
 }
@@ -152,9 +136,9 @@ class HostSearch {
         const std::size_t placed = m_best.placed.size();
         throw InfoFailure(InfoExit::BLOCKED,
                           none + "the disk " + m_best.homeless->name + " takes " +
-                              roomText(m_best.homeless->size) + ", and the roomiest data store, \"" +
+                              megabytesText(m_best.homeless->size) + ", and the roomiest data store, \"" +
                               m_best.roomiest + "\" of " + m_nearest->name + ", has " +
-                              roomText(m_best.most) +
+                              megabytesText(m_best.most) +
                               (placed == 0   ? " free"
                                : placed == 1 ? " left beside a larger disk"
                                              : " left beside " + std::to_string(placed) + " larger disks"));
@@ -285,7 +269,7 @@ std::string fileOf(const TargetDraft& draft, const B2VInput& input) {
     if (!draft.disks.empty())
         text += "\n" + noted("The disks, each with its data store.");
     for (const PlacedDisk& placed : draft.disks) {
-        text += noted(placed.disk.name + ", " + roomText(placed.disk.size));
+        text += noted(placed.disk.name + ", " + megabytesText(placed.disk.size));
         if (placed.disk.name.starts_with("Harddisk"))
             text += "harddisk=" + placed.disk.name.substr(8) + ":" + placed.store + "\n";
     }
