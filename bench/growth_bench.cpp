@@ -7,8 +7,10 @@
 #include "sideBySide.h"
 #include "storage/lookup.h"
 
+#include <array>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 namespace Zorvane::Bench {
 
@@ -131,6 +133,26 @@ void copying(benchmark::State& state) {
     });
 }
 
+// What the processor's memory alone makes of it: as many rows that are nothing but bytes.
+void copyingPlainRows(benchmark::State& state) {
+    using Row = std::array<char, sizeof(CWindowsRegion)>;
+    using Rows = std::vector<std::unique_ptr<Row>>;
+    compareSizes(state, [](std::size_t rows) {
+        auto plain = std::make_shared<Rows>();
+        for (std::size_t i = 0; i < rows; ++i)
+            plain->push_back(std::make_unique<Row>());
+        return [plain] {
+            Rows copy;
+            return timeOf([&] {
+                copy.reserve(plain->size());
+                for (const auto& row : *plain)
+                    copy.push_back(std::make_unique<Row>(*row));
+            });
+        };
+    });
+    state.counters.erase("target");
+}
+
 // Every other row goes.
 void removeAfterRequest(benchmark::State& state) {
     compareSizes(state, [](std::size_t rows) {
@@ -166,6 +188,7 @@ BENCHMARK(reading)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(readingOneTable)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(readingAgain)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(writing)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(copyingPlainRows)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(copying)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(removeAfterRequest)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(walkingRelations)->Iterations(1)->Unit(benchmark::kMillisecond);

@@ -36,7 +36,7 @@ class ServedStore {
     JobRunner m_jobs{m_store.store(), 24h};
     FailRules m_failures;
     RequestLog m_log{m_store.scratch().path("requests.log")};
-    Lab m_lab{m_store.store(), m_jobs, {}, {}, m_failures, m_log, m_store.scratch().path("received")};
+    Lab m_lab{m_store.store(), m_jobs, {}, {}, m_failures, m_log, std::filesystem::path(m_store.scratch().path("received"))};
 };
 
 const std::string OPENING = "0 0\n" + packet(10, S("6.5.0") + S("KVN"));

@@ -8,6 +8,8 @@
 #include <array>
 #include <cerrno>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 
@@ -49,38 +51,48 @@ std::optional<std::string> Connection::readLine() {
 std::optional<std::string> Connection::read(std::size_t count) {
     std::string bytes;
     while (bytes.size() < count) {
+        awaitPiece();
         const std::size_t piece = std::min(PIECE, count - bytes.size());
         bytes.resize(bytes.size() + piece);
         if (ReadN(descriptor(), bytes.data() + bytes.size() - piece, static_cast<int>(piece)) !=
             static_cast<int>(piece))
             return std::nullopt;
     }
+    endWait();
     return bytes;
 }
 
 bool Connection::readToEnd(std::string& bytes, std::size_t most) {
-    std::array<char, 4096> piece;
-    ssize_t count = 0;
-    while ((count = ::recv(descriptor(), piece.data(), piece.size(), 0)) > 0 ||
-           (count < 0 && errno == EINTR)) {
-        if (count > 0)
-            bytes.append(piece.data(), static_cast<std::size_t>(count));
-        if (bytes.size() > most) {
-            bytes.resize(most);
-            return false;
+    while (bytes.size() <= most) {
+        awaitPiece();
+        const std::size_t before = bytes.size();
+        bytes.resize(before + PIECE);
+        const ssize_t count = ::recv(descriptor(), bytes.data() + before, PIECE, MSG_WAITALL);
+        bytes.resize(before + static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        if (count == 0 || (count < 0 && errno != EINTR)) {
+            endWait();
+            return true;
         }
     }
-    return true;
+    bytes.resize(most);
+    return false;
 }
 
 bool Connection::write(std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t count = ::send(descriptor(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        awaitPiece();
+        const ssize_t count = ::send(descriptor(), bytes.data(), std::min(bytes.size(), PIECE), MSG_NOSIGNAL);
         if (count < 0 && errno != EINTR)
             return false;
         bytes.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
     }
+    endWait();
     return true;
+}
+
+void Connection::gather() {
+    const int on = 1;
+    ::setsockopt(descriptor(), IPPROTO_TCP, TCP_CORK, &on, sizeof on);
 }
 
 void Connection::waitForPeer() {
@@ -92,6 +104,10 @@ void Connection::finish() {
     allow(LEFTOVER_TIME);
     ::shutdown(descriptor(), SHUT_WR);
     discardToEnd();
+}
+
+void Connection::awaitPiece() {
+    m_deadlineIfOthersWait = (Clock::now() + m_pieceTime).time_since_epoch().count();
 }
 
 void Connection::discardToEnd() {

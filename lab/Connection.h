@@ -4,6 +4,7 @@
 
 #include "suite/descriptor.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstddef>
@@ -24,14 +25,20 @@ class Connection {
 
     /// What follows has this long in all, however it is split up; the calls fail behind it. Whoever watches
     /// the connection sees to it (the calls themselves would wait for a byte without end).
-    void allow(std::chrono::milliseconds time) { allow(time, time); }
-    /// With a shorter time for when others wait for a place.
+    void allow(std::chrono::milliseconds time) {
+        m_deadline = m_deadlineIfOthersWait = (Clock::now() + time).time_since_epoch().count();
+    }
+    /// With a shorter time for when others wait for a place. From then on, it also is what the peer has for
+    /// each piece of a document that is read or written, if others wait.
     void allow(std::chrono::milliseconds time, std::chrono::milliseconds timeIfOthersWait) {
+        m_pieceTime = timeIfOthersWait;
         m_deadline = (Clock::now() + time).time_since_epoch().count();
         m_deadlineIfOthersWait = (Clock::now() + timeIfOthersWait).time_since_epoch().count();
     }
     [[nodiscard]] bool isOverdue(Clock::time_point now, bool othersWait) const {
-        return now.time_since_epoch().count() > (othersWait ? m_deadlineIfOthersWait : m_deadline);
+        const Clock::rep deadline =
+            othersWait ? std::min(m_deadline.load(), m_deadlineIfOthersWait.load()) : m_deadline.load();
+        return now.time_since_epoch().count() > deadline;
     }
     /// Waits, or until the connection is cut; its time limit is so much later.
     void pause(std::chrono::milliseconds time);
@@ -46,6 +53,8 @@ class Connection {
     /// What comes until the end of the stream, but no more than that; false if there was more.
     bool readToEnd(std::string& bytes, std::size_t most);
     bool write(std::string_view bytes);
+    /// What is sent from now on goes out in as few pieces as it fits, the last of them with finish().
+    void gather();
     /// Waits for the end of the stream, however long it takes.
     void waitForPeer();
     /// Ends the answer and waits a moment for the peer to take it: a connection that is closed with unread
@@ -53,6 +62,8 @@ class Connection {
     void finish();
 
   private:
+    void awaitPiece();
+    void endWait() { m_deadlineIfOthersWait = m_deadline.load(); }
     void discardToEnd();
 
     static constexpr Clock::rep NEVER = Clock::duration::max().count();
@@ -60,6 +71,7 @@ class Connection {
     Suite::Descriptor m_descriptor;
     std::atomic<Clock::rep> m_deadline = NEVER;
     std::atomic<Clock::rep> m_deadlineIfOthersWait = NEVER;
+    std::chrono::milliseconds m_pieceTime = std::chrono::hours(24);
     std::atomic<bool> m_isCut = false;
 };
 

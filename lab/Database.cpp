@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/Database.h"
 
+#include "lab/LibraryMemory.h"
+
 #include <cerrno>
 #include <cstring>
 
@@ -127,6 +129,7 @@ void Database::Close::operator()(sqlite3* connection) const {
 
 Database::Database(const std::filesystem::path& file) {
     makePrivateFile(file);
+    meterLibraryMemory();
     sqlite3* connection = nullptr;
     const int rc = sqlite3_open_v2(":memory:", &connection,
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);

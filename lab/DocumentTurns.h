@@ -2,28 +2,37 @@
 #pragma once
 
 #include "lab/Connection.h"
+#include "lab/Store.h"
 
-#include <algorithm>
-#include <chrono>
+#include <condition_variable>
 #include <cstddef>
+#include <mutex>
 #include <semaphore>
 #include <string_view>
+#include <vector>
 
 namespace Zorvane {
 
 /// Keeps the memory of a lab in bounds: a document of small elements takes fifty times its size while it is
-/// worked on, and every connection may send one. Few large ones are held, fewer are worked on, by turns;
-/// small ones, which nearly all are, go straight on.
+/// worked on, and every connection may send one or ask for one. Few large ones are held, fewer are worked on,
+/// by turns; small ones, which nearly all are, go straight on.
 class DocumentTurns {
   public:
     static constexpr std::size_t SMALL = std::size_t{256} << 10;
-    static constexpr std::ptrdiff_t AT_ONCE = 2;
+    static constexpr std::size_t AT_ONCE = 2;
     static constexpr std::ptrdiff_t HELD = 8;
+    /// So many wait for a turn; one more is refused, so that some places are left for small requests.
+    static constexpr std::size_t WAITING = 54;
     /// What takes the memory is the elements. Rows have one in twenty bytes and more.
     static constexpr std::ptrdiff_t MAX_TAGS = 1'000'000;
+    static constexpr std::ptrdiff_t SMALL_TAGS = SMALL / 16;
 
-    [[nodiscard]] static bool isTooFull(std::string_view document) {
-        return std::count(document.begin(), document.end(), '<') > MAX_TAGS;
+    DocumentTurns() { m_working.reserve(AT_ONCE); }
+
+    [[nodiscard]] static bool isTooFull(std::string_view document) { return hasMore(document, MAX_TAGS); }
+    /// Whether a document is worked on in a turn only.
+    [[nodiscard]] static bool isLarge(std::string_view document) {
+        return document.size() > SMALL || hasMore(document, SMALL_TAGS);
     }
 
     /// Room for a document that is going to be read. There may be none, and then the peer is refused: waiting
@@ -45,35 +54,35 @@ class DocumentTurns {
         bool m_granted;
     };
 
-    /// Waits for a turn, and has it until the end of the scope. Not to be held while a peer is waited for.
+    /// A connection's turn, once it is taken, until the end of the scope: from the rows to the last byte of
+    /// their reply. Whoever keeps others waiting with a peer that doesn't take its reply loses the
+    /// connection.
     class Turn {
       public:
-        Turn(DocumentTurns& turns, std::size_t size, const Connection& connection)
-            : m_free(size > SMALL ? &turns.m_free : nullptr) {
-            // In steps, so that a connection that is cut gives up.
-            while (m_free && !m_free->try_acquire_for(std::chrono::milliseconds(100)))
-                if (connection.isCut()) {
-                    m_free = nullptr;
-                    m_granted = false;
-                }
-        }
+        Turn(DocumentTurns& turns, Connection& connection) : m_turns(turns), m_connection(connection) {}
         Turn(const Turn&) = delete;
         Turn& operator=(const Turn&) = delete;
-        ~Turn() {
-            if (m_free)
-                m_free->release();
-        }
-        /// False if the connection was cut before its turn came.
-        [[nodiscard]] bool isGranted() const { return m_granted; }
+        ~Turn();
+        /// True if it has one, now or already; false if it may not wait, if too many wait, or if the
+        /// connection is cut meanwhile.
+        [[nodiscard]] bool take(Wait wait);
 
       private:
-        std::counting_semaphore<AT_ONCE>* m_free;
-        bool m_granted = true;
+        DocumentTurns& m_turns;
+        Connection& m_connection;
+        bool m_taken = false;
     };
 
   private:
+    [[nodiscard]] static bool hasMore(std::string_view document, std::ptrdiff_t tags);
+    [[nodiscard]] bool enter(Connection& connection, Wait wait);
+    void leave(const Connection& connection);
+
     std::counting_semaphore<HELD> m_room{HELD};
-    std::counting_semaphore<AT_ONCE> m_free{AT_ONCE};
+    std::mutex m_lock;
+    std::condition_variable m_left;
+    std::vector<Connection*> m_working;
+    std::size_t m_waiting = 0;
 };
 
 } // namespace Zorvane

@@ -6,11 +6,12 @@
 #include "lab/FailRules.h"
 #include "lab/Inventory.h"
 #include "lab/JobRunner.h"
+#include "lab/ReceivedFiles.h"
 #include "lab/RequestLog.h"
 #include "lab/Store.h"
 
 #include <chrono>
-#include <filesystem>
+#include <cstddef>
 
 namespace Zorvane {
 
@@ -32,7 +33,7 @@ struct Lab {
     Catalogue catalogue;
     FailRules& failures;
     RequestLog& log;
-    std::filesystem::path received; ///< the folder for what clients send to keep; made when needed
+    ReceivedFiles received;
     SessionLimits limits{};
     DocumentTurns turns{};
 };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "lab/Estate.h"
+#include "suite/descriptor.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -32,6 +33,8 @@ class LabDirectory {
 
     /// LabError if this is no lab's directory.
     void mustExist() const;
+    /// For who serves the lab or makes it anew, as long as that takes: LabError while another one does.
+    [[nodiscard]] Suite::Descriptor lock() const;
     /// From kvn.toml. LabError for a port that is missing or no port.
     [[nodiscard]] LabPorts ports() const;
 

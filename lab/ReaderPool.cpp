@@ -7,9 +7,9 @@ namespace Zorvane {
 
 namespace {
 
-// A connection costs two descriptors and the schema's half a megabyte: clients wait for one rather than
-// exhaust those.
-constexpr std::size_t MAX_READERS = 16;
+// A connection costs two descriptors, the schema's half a megabyte, and while it works what the library may
+// take for a request: clients wait for one rather than exhaust those.
+constexpr std::size_t MAX_READERS = 8;
 
 } // namespace
 

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/RequestBudget.h"
 
-#include "lab/RequestError.h"
-#include "lab/Store.h"
-
 #include <ctime>
 
 #include <sqlite3.h>
@@ -23,19 +20,14 @@ std::chrono::nanoseconds processorTime() {
 
 } // namespace
 
-RequestBudget::RequestBudget(Database& database, std::chrono::nanoseconds time, std::size_t bytes)
-    : m_database(database), m_deadline(processorTime() + time), m_bytesLeft(bytes) {
+RequestBudget::RequestBudget(Database& database, std::chrono::nanoseconds time, std::size_t bytes,
+                             const LargeTurn& turn)
+    : m_database(database), m_deadline(processorTime() + time), m_rows(bytes, turn, Wait::No) {
     sqlite3_progress_handler(database.handle(), STEPS_PER_LOOK, isSpent, this);
 }
 
 RequestBudget::~RequestBudget() {
     sqlite3_progress_handler(m_database.handle(), 0, nullptr, nullptr);
-}
-
-void RequestBudget::takeBytes(std::size_t bytes) {
-    if (bytes > m_bytesLeft)
-        throw RequestError(STORE_TOO_MUCH, "the reply would be too long");
-    m_bytesLeft -= bytes;
 }
 
 int RequestBudget::isSpent(void* self) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "lab/Database.h"
+#include "lab/RowAllowance.h"
 
 #include <chrono>
 #include <cstddef>
@@ -14,20 +15,22 @@ namespace Zorvane {
 /// machine refuses no query.
 class RequestBudget {
   public:
-    RequestBudget(Database& database, std::chrono::nanoseconds time, std::size_t bytes);
+    RequestBudget(Database& database, std::chrono::nanoseconds time, std::size_t bytes,
+                  const LargeTurn& turn = always);
     RequestBudget(const RequestBudget&) = delete;
     RequestBudget& operator=(const RequestBudget&) = delete;
     ~RequestBudget();
 
-    /// Throws RequestError when the rows have become too many.
-    void takeBytes(std::size_t bytes);
+    /// Throws RequestError when the rows have become too many, and TurnNeeded when they need a turn that
+    /// isn't free.
+    void takeBytes(std::size_t bytes) { m_rows.take(bytes); }
 
   private:
     static int isSpent(void* self);
 
     Database& m_database;
     std::chrono::nanoseconds m_deadline;
-    std::size_t m_bytesLeft;
+    RowAllowance m_rows;
 };
 
 } // namespace Zorvane

@@ -5,12 +5,14 @@
 #include "suite/printable.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <mutex>
 #include <set>
+#include <thread>
 
 #include <asio.hpp>
 #include <fcntl.h>
@@ -34,12 +36,13 @@ void prepare(int descriptor) {
     ::setsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
-void serveGuarded(const Service& service, Connection& connection) {
+// When memory is lacking it may be so for the text as well.
+void complain(const char* service, const char* why) noexcept {
     try {
-        service.serve(connection);
-    } catch (const std::exception& failure) {
-        std::fprintf(stderr, "zorlab: %s: a connection was dropped: %s\n", service.name.c_str(),
-                     Suite::printable(failure.what()).c_str());
+        std::fprintf(stderr, "zorlab: %s: a connection was dropped: %s\n", service,
+                     Suite::printable(why).c_str());
+    } catch (const std::exception&) {
+        std::fputs("zorlab: a connection was dropped: no memory\n", stderr);
     }
 }
 
@@ -86,6 +89,17 @@ class Watched {
     bool m_stopped = false;
 };
 
+void serveGuarded(Watched& all, const Service& service, Connection& connection) noexcept {
+    try {
+        const Watched::Entry entry(all, connection);
+        service.serve(connection);
+    } catch (const std::exception& failure) {
+        complain(service.name.c_str(), failure.what());
+    } catch (...) { // the XML library's are no std::exception
+        complain(service.name.c_str(), "an unknown failure");
+    }
+}
+
 } // namespace
 
 // All but the serving of connections happens on the thread that runs the server.
@@ -117,10 +131,16 @@ class Server::Impl {
         });
         // Of the libraries' own, too: nothing is executed here, and nothing could take one along.
         ::close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
-        for (const auto& port : m_ports)
-            accept(*port);
-        watch();
-        m_io.run();
+        for (bool isStopped = false; !isStopped;) {
+            try {
+                watch();
+                m_io.run();
+                isStopped = true;
+            } catch (const std::exception& failure) { // memory was lacking for a connection, or for the watch
+                complain("a service", failure.what());
+                std::this_thread::sleep_for(WATCH_INTERVAL);
+            }
+        }
 
         for (const auto& port : m_ports)
             port->acceptor.close();
@@ -158,30 +178,30 @@ class Server::Impl {
     void accept(Port& port) {
         if (port.waiting || m_open >= MAX_CONNECTIONS)
             return;
-        port.waiting = true;
         port.acceptor.async_accept([this, &port](const asio::error_code& error, tcp::socket socket) {
             port.waiting = false;
             if (error) // no descriptor left, or the peer is gone: the watch tries again
                 return;
-            serve(port, socket.release());
+            serve(port, std::move(socket));
             accept(port);
         });
+        port.waiting = true;
     }
 
-    void serve(Port& port, int descriptor) {
-        prepare(descriptor);
-        ++m_open;
-        asio::post(m_pool, [this, &port, connection = std::make_shared<Connection>(descriptor)]() mutable {
-            {
-                const Watched::Entry entry(m_watched, *connection);
-                serveGuarded(port.service, *connection);
-            }
+    void serve(Port& port, tcp::socket socket) {
+        auto connection = std::make_unique<Connection>(socket.native_handle());
+        socket.release();
+        prepare(connection->descriptor());
+        asio::post(m_pool, [this, &port, connection = std::move(connection)]() mutable {
+            serveGuarded(m_watched, port.service, *connection);
             connection.reset();
-            asio::post(m_io, [this] {
-                --m_open;
-                acceptAll();
-            });
+            --m_open;
+            try {
+                asio::post(m_io, [this] { acceptAll(); });
+            } catch (const std::exception&) { // then the watch does it
+            }
         });
+        ++m_open;
     }
 
     void acceptAll() {
@@ -189,22 +209,22 @@ class Server::Impl {
             accept(*port);
     }
 
+    // Accepts, sees to the time limits, and goes on with both in a moment; begun anew after a failure.
     void watch() {
         m_timer.expires_after(WATCH_INTERVAL);
         m_timer.async_wait([this](const asio::error_code& error) {
-            if (error)
-                return;
-            m_watched.cutOverdue(m_open >= MAX_CONNECTIONS);
-            acceptAll();
-            watch();
+            if (!error)
+                watch();
         });
+        m_watched.cutOverdue(m_open >= MAX_CONNECTIONS);
+        acceptAll();
     }
 
     asio::io_context m_io;
     asio::signal_set m_signals{m_io, SIGTERM, SIGINT}; ///< from the start: a signal before run() counts
     asio::steady_timer m_timer{m_io};
     std::vector<std::unique_ptr<Port>> m_ports;
-    std::size_t m_open = 0; ///< connections; an accept that is under way may still add its own
+    std::atomic<std::size_t> m_open = 0; ///< connections; an accept that is under way may still add its own
     Watched m_watched;
     asio::thread_pool m_pool{MAX_CONNECTIONS}; ///< last: its threads use the rest
 };

@@ -3,8 +3,10 @@
 
 #include "lab/Changes.h"
 #include "lab/Insertion.h"
+#include "lab/LibraryMemory.h"
 #include "lab/ReaderPool.h"
 #include "lab/RequestError.h"
+#include "lab/RowAllowance.h"
 #include "lab/Writer.h"
 #include "lab/clauses.h"
 #include "lab/jobs.h"
@@ -20,6 +22,10 @@ class Store::Impl {
   public:
     Impl(const std::filesystem::path& file, StoreLimits storeLimits)
         : limits(storeLimits), writer(file), readers(file) {}
+
+    [[nodiscard]] RowAllowance allowance(const LargeTurn& turn) const {
+        return {limits.rowBytes, turn, Wait::Yes};
+    }
 
     const StoreLimits limits;
     Writer writer; // first: it makes the schema
@@ -59,8 +65,9 @@ const std::vector<unsigned char> NO_REPLY;
 // `rowsOf` gives the container of an element.
 template <class Configurations, class RowsOf>
 StoreResult loadTogether(Writer& writer, const Configurations& configurations, RowsOf rowsOf) {
-    std::size_t cleared = 0;
+    std::string note; // made before the commit, behind which nothing may fail
     StoreResult result = answer([&] {
+        std::size_t cleared = 0;
         std::vector<Insertion> insertions;
         for (auto& each : configurations) {
             Insertion& insertion = insertions.emplace_back(Insertion::Mode::Whole);
@@ -69,6 +76,8 @@ StoreResult loadTogether(Writer& writer, const Configurations& configurations, R
             insertion.connectAll();
             cleared += insertion.clearedReferences();
         }
+        if (cleared > 0)
+            note = std::to_string(cleared) + " references to rows outside the document were set to 0";
         writer.run([&](Database& database) {
             for (Insertion& insertion : insertions)
                 insertion.run(database);
@@ -77,8 +86,8 @@ StoreResult loadTogether(Writer& writer, const Configurations& configurations, R
             forEachRow(rowsOf(each), markFromDb);
         return NO_REPLY;
     });
-    if (result.ok() && cleared > 0)
-        result.text = std::to_string(cleared) + " references to rows outside the document were set to 0";
+    if (result.ok())
+        result.text = std::move(note);
     return result;
 }
 
@@ -121,6 +130,22 @@ void answerQuery(Database& database, const CQueryRequest& query, RequestBudget& 
     selectTree(database, **table, query.getTreeId(), budget, reply);
 }
 
+// The rows that all queries of a request ask for, from one snapshot.
+std::unique_ptr<CZor> select(ReaderPool& readers, const StoreLimits& limits, const CZor& request,
+                             const LargeTurn& turn) {
+    const auto reader = readers.take();
+    const Transaction snapshot(*reader, Transaction::Kind::Read);
+    const LibraryMemoryBound bound(limits.libraryBytes);
+    RequestBudget budget(*reader, limits.clauseTime, limits.rowBytes, turn);
+    auto reply = std::make_unique<CZor>();
+    for (const CQueryRequest* query : request.m_vQueryRequest) {
+        CZor part;
+        answerQuery(*reader, *query, budget, part);
+        moveRows(part, *reply);
+    }
+    return reply;
+}
+
 } // namespace
 
 Store::Store(const std::filesystem::path& file, StoreLimits limits)
@@ -128,62 +153,66 @@ Store::Store(const std::filesystem::path& file, StoreLimits limits)
 
 Store::~Store() = default;
 
-StoreResult Store::query(Document document) const {
+StoreResult Store::query(Document document, const LargeTurn& turn) const {
     return answer([&] {
         CZor request;
-        readDocument(document, request, isAny);
-        CZor reply;
-        {
-            const auto reader = m_impl->readers.take();
-            RequestBudget budget(*reader, m_impl->limits.clauseTime, m_impl->limits.replyBytes);
-            const Transaction snapshot(*reader, Transaction::Kind::Read);
-            for (const CQueryRequest* query : request.m_vQueryRequest) {
-                CZor part;
-                answerQuery(*reader, *query, budget, part);
-                moveRows(part, reply);
+        RowAllowance allowance = m_impl->allowance(turn);
+        readDocument(document, request, isAny, allowance);
+        for (;;) {
+            try {
+                const auto reply = select(m_impl->readers, m_impl->limits, request, turn);
+                return writeDocument(*reply);
+            } catch (const TurnNeeded&) {
+                if (!turn(Wait::Yes)) // the reader is given back by now
+                    throw RequestError(STORE_TOO_MUCH, RowAllowance::NO_TURN);
             }
         }
-        return writeDocument(reply);
     });
 }
 
-StoreResult Store::insert(Document document) {
+StoreResult Store::insert(Document document, const LargeTurn& turn) {
     return answer([&] {
-        Changes changes;
+        Changes changes(m_impl->allowance(turn));
         changes.readInserts(document);
-        m_impl->writer.run([&](Database& database) { changes.run(database); });
-        return changes.reply();
+        changes.prepareReply();
+        std::vector<unsigned char> reply;
+        m_impl->writer.run([&](Database& database) {
+            changes.run(database);
+            reply = changes.reply(); // here it may still fail
+        });
+        return reply;
     });
 }
 
-StoreResult Store::update(Document document) {
+StoreResult Store::update(Document document, const LargeTurn& turn) {
     return answer([&] {
-        Changes changes;
+        Changes changes(m_impl->allowance(turn));
         changes.readUpdates(document);
         m_impl->writer.run([&](Database& database) { changes.run(database); });
         return NO_REPLY;
     });
 }
 
-StoreResult Store::del(Document document) {
+StoreResult Store::del(Document document, const LargeTurn& turn) {
     return answer([&] {
-        Changes changes;
+        Changes changes(m_impl->allowance(turn));
         changes.readDeletes(document);
         m_impl->writer.run([&](Database& database) { changes.run(database); });
         return NO_REPLY;
     });
 }
 
-StoreResult Store::transaction(Document document) {
+StoreResult Store::transaction(Document document, const LargeTurn& turn) {
     return answer([&] {
         CZor envelope;
-        readDocument(document, envelope, isAny);
+        RowAllowance allowance = m_impl->allowance(turn);
+        readDocument(document, envelope, isAny, allowance);
         const auto& requests = envelope.m_vTransactionRequest;
         if (requests.size() != 1)
             throw RequestError(STORE_BAD_DOCUMENT, "the document holds " + std::to_string(requests.size()) +
                                                        " transaction requests, not one");
         const CTransactionRequest& request = *requests.front();
-        Changes changes;
+        Changes changes(allowance);
         if (request.getInsertXmlLength() > 0)
             changes.readInserts({request.getInsertXml(), request.getInsertXmlLength()});
         if (request.getUpdateXmlLength() > 0)
@@ -191,7 +220,7 @@ StoreResult Store::transaction(Document document) {
         if (request.getDeleteXmlLength() > 0)
             changes.readDeletes({request.getDeleteXml(), request.getDeleteXmlLength()});
         m_impl->writer.run([&](Database& database) { changes.run(database); });
-        return changes.reply();
+        return NO_REPLY;
     });
 }
 
@@ -202,6 +231,16 @@ StoreResult Store::load(CZor& configuration) {
 
 StoreResult Store::load(std::span<const std::unique_ptr<CZor>> configurations) {
     return loadTogether(m_impl->writer, configurations, [](const auto& each) -> CZor& { return *each; });
+}
+
+StoreResult Store::load(Document configuration, const LargeTurn& turn) {
+    CZor rows;
+    StoreResult result = answer([&] {
+        RowAllowance allowance = m_impl->allowance(turn);
+        readDocument(configuration, rows, isAny, allowance);
+        return NO_REPLY;
+    });
+    return result.ok() ? load(rows) : result;
 }
 
 StoreResult Store::exportTree(const std::string& client, const std::string& configuration, CZor& tree) const {

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -46,10 +47,20 @@ struct StoreLimits {
     /// Processor time of a request's clauses: long enough for every sensible query on a busy machine, short
     /// enough that a join of everything with everything doesn't keep a processor.
     std::chrono::milliseconds clauseTime{2000};
-    /// The rows of a reply, as they lie in the database; the document and its tree take some twenty times
+    /// The rows of a request or a reply, by their sizeOf; the document and its tree take some twenty times
     /// that.
-    std::size_t replyBytes = std::size_t{32} << 20;
+    std::size_t rowBytes = std::size_t{32} << 20;
+    /// What the database library may take for what a request reads, with its sorting and its texts.
+    std::int64_t libraryBytes = std::int64_t{32} << 20;
 };
+
+/// Asks for a turn among the requests that take much memory; true once there is one, and ever after. Without
+/// waiting it may be false although there will be one later.
+enum class Wait { No, Yes };
+using LargeTurn = std::function<bool(Wait)>;
+inline bool always(Wait) {
+    return true;
+}
 
 class Store {
   public:
@@ -63,21 +74,22 @@ class Store {
     /// The caller has seen to it that no operation is under way.
     ~Store();
 
-    // --- The requests of clients. No exception leaves them.
+    // --- The requests of clients. No exception leaves them. What proves to be large asks for a turn, while
+    // nothing is held that others need.
 
     /// Answers every CQueryRequest of the document, by its clauses or, with a TreeId, by a tree: all from one
     /// snapshot. The reply's rows are marked as the database's; a row stands in it once.
-    StoreResult query(Document document) const;
+    StoreResult query(Document document, const LargeTurn& turn = always) const;
     /// Inserts the rows that are not from the database. They get numbers of the database, and references
     /// among them follow; the reply holds these rows with their new numbers, all flags set.
-    StoreResult insert(Document document);
+    StoreResult insert(Document document, const LargeTurn& turn = always);
     /// Writes the rows that are from the database over those of the same Id.
-    StoreResult update(Document document);
+    StoreResult update(Document document, const LargeTurn& turn = always);
     /// Deletes the rows that are from the database, by Id. A row that is gone already is no failure.
-    StoreResult del(Document document);
+    StoreResult del(Document document, const LargeTurn& turn = always);
     /// Inserts, updates and deletes of one CTransactionRequest, all or nothing; updated rows may refer to
-    /// inserted ones. The reply is that of the insert.
-    StoreResult transaction(Document document);
+    /// inserted ones. No reply: clients wait for the status alone.
+    StoreResult transaction(Document document, const LargeTurn& turn = always);
 
     // --- Configurations.
 
@@ -87,6 +99,8 @@ class Store {
     StoreResult load(CZor& configuration);
     /// The same for many, each by itself in what its references mean, and all or nothing: in one commit.
     StoreResult load(std::span<const std::unique_ptr<CZor>> configurations);
+    /// The same for a client's document.
+    StoreResult load(Document configuration, const LargeTurn& turn);
     /// Adds a configuration's tree to the container, without the jobs that were submitted for it. Names are
     /// compared as clients do, without case; with an empty configuration name it is the one of that client
     /// that came last.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/ZordSession.h"
 
+#include "lab/RowAllowance.h"
 #include "lab/badAnswers.h"
 #include "lab/methods.h"
 #include "lab/requestSummary.h"
@@ -25,19 +26,19 @@ std::string_view textOf(const std::vector<unsigned char>& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-StoreResult runRequest(Store& store, int command, std::string_view document) {
+StoreResult runRequest(Store& store, int command, std::string_view document, const LargeTurn& turn) {
     const Store::Document bytes(reinterpret_cast<const unsigned char*>(document.data()), document.size());
     switch (command) {
     case ZOROP_QUERY:
-        return store.query(bytes);
+        return store.query(bytes, turn);
     case ZOROP_INSERT:
-        return store.insert(bytes);
+        return store.insert(bytes, turn);
     case ZOROP_UPDATE:
-        return store.update(bytes);
+        return store.update(bytes, turn);
     case ZOROP_DELETE:
-        return store.del(bytes);
+        return store.del(bytes, turn);
     case ZOROP_TRANSACTION:
-        return store.transaction(bytes);
+        return store.transaction(bytes, turn);
     default:
         return {ZOROP_INVALID_OPERATION, {}, "no such command"};
     }
@@ -127,8 +128,10 @@ void ZordSession::database(const DbRequest& request) {
         return;
     if (DocumentTurns::isTooFull(*document))
         return refuse(request.byteCount);
+    DocumentTurns::Turn turn(m_lab.turns, m_connection); // once taken, up to the end of the answer
     std::optional<Failure> failure;
-    const StoreResult result = work(request.command, *document, failure);
+    const StoreResult result = work(
+        request.command, *document, [&](Wait wait) { return turn.take(wait); }, failure);
     // Clients read a document behind these two replies only.
     sendRows(result, failure, request.command == ZOROP_QUERY || request.command == ZOROP_INSERT);
 }
@@ -139,24 +142,25 @@ void ZordSession::refuse(std::int32_t byteCount) {
     sendRows({STORE_TOO_MUCH, {}, {}}, std::nullopt, false);
 }
 
-StoreResult ZordSession::work(int command, std::string_view document, std::optional<Failure>& failure) {
-    const DocumentTurns::Turn turn(m_lab.turns, document.size(), m_connection);
-    if (!turn.isGranted())
-        return {STORE_TOO_MUCH, {}, {}};
+StoreResult ZordSession::work(int command, std::string_view document, const LargeTurn& turn,
+                              std::optional<Failure>& failure) {
+    if (DocumentTurns::isLarge(document) && !turn(Wait::Yes))
+        return {STORE_TOO_MUCH, {}, RowAllowance::NO_TURN};
     // A second look at the document costs as much as the work itself.
     const bool isWatched = m_lab.log.isOpen() || m_lab.failures.any();
-    const RequestSummary summary = isWatched ? summarize(command, document) : RequestSummary();
+    const RequestSummary summary = isWatched ? summarize(command, document, turn) : RequestSummary();
     if (summary.point)
         failure = m_lab.failures.check(m_connection, *summary.point, summary.tables);
     StoreResult result;
     if (!failure || spoilsDocument(failure->effect))
-        result = runRequest(m_lab.store, command, document);
+        result = runRequest(m_lab.store, command, document, turn);
     m_lab.log.write({m_service, summary.operation, summary.subject, summary.arguments,
                      failure ? failureText(*failure) : std::to_string(result.status), result.text});
     return result;
 }
 
 void ZordSession::sendRows(const StoreResult& result, std::optional<Failure> failure, bool withReply) {
+    m_connection.gather();
     std::string_view document = textOf(result.reply);
     std::string spoiled;
     DbReply reply;

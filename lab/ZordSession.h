@@ -28,7 +28,8 @@ class ZordSession {
     /// For a document that is too large, or one too many.
     void refuse(std::int32_t byteCount);
     /// Runs a database request, or says how it is to fail.
-    StoreResult work(int command, std::string_view document, std::optional<Failure>& failure);
+    StoreResult work(int command, std::string_view document, const LargeTurn& turn,
+                     std::optional<Failure>& failure);
     void sendRows(const StoreResult& result, std::optional<Failure> failure, bool withReply);
     void method(const MethodExecute& request);
 

@@ -2,10 +2,9 @@
 #include "lab/bundleLab.h"
 
 #include "bundle/Bundle.h"
+#include "bundle/documentNames.h"
 #include "bundle/machineFacts.h"
 #include "bundle/siteFacts.h"
-#include "lab/Catalogue.h"
-#include "lab/Inventory.h"
 #include "lab/LabDirectory.h"
 #include "lab/Store.h"
 #include "lab/configurationFiles.h"
@@ -53,75 +52,41 @@ Json databaseFacts(const LabDirectory& directory) {
             {"rows", rows}};
 }
 
-void addDatabase(Bundle& bundle, const LabDirectory& directory) {
+void learnDatabase(Mask& mask, const LabDirectory& directory) {
+    Database database(directory.database());
+    for (const TableDescriptor* table : allTables())
+        for (const Field& field : table->fields)
+            if (const auto kind = kindOfField(table->name, field.name)) {
+                Statement names = database.prepare("SELECT DISTINCT " + quotedName(field.name) + " FROM " +
+                                                   table->tableName);
+                while (names.step())
+                    mask.learn(*kind, names.text(0));
+            }
+}
+
+void addDatabase(Bundle& bundle, const LabDirectory& directory, const std::string& client,
+                 const std::string& configuration) {
     tryTo(bundle, "the state of the database", [&] {
         bundle.add("lab/database.json",
                    "schema, integrity check, and the number of rows of each table that has some", Form::Json,
                    jsonText(databaseFacts(directory)));
     });
-}
-
-void learnInventory(Mask& mask, const Inventory& inventory) {
-    const auto all = [&](NameKind kind, const std::vector<std::string>& names) {
-        for (const std::string& name : names)
-            mask.learn(kind, name);
-    };
-    all(NameKind::Host, inventory.proxies);
-    for (const InventoryServer& server : inventory.servers) {
-        mask.learn(NameKind::Host, server.name);
-        for (const InventoryDataCenter& dataCenter : server.dataCenters) {
-            mask.learn(NameKind::DataCenter, dataCenter.name);
-            all(NameKind::Folder, dataCenter.folders);
-            for (const InventoryHost& host : dataCenter.hosts) {
-                mask.learn(NameKind::Host, host.name);
-                mask.learn(NameKind::Cluster, host.cluster);
-                all(NameKind::Pool, host.pools);
-                all(NameKind::Network, host.networks);
-                all(NameKind::Machine, host.machines);
-                for (const InventoryStore& store : host.stores) {
-                    mask.learn(NameKind::Store, store.name);
-                    mask.learn(NameKind::Store, store.pod);
-                }
-            }
-        }
-    }
-}
-
-void learnLab(Bundle& bundle, const LabDirectory& directory, const Store& store) {
-    Mask& mask = bundle.mask();
-    for (const CConfig& config : store.configurations())
-        mask.learn(NameKind::Client, config.getClientName());
-    const auto learnTasks = [&](const auto& tasks) {
-        for (const auto& task : tasks) {
-            mask.learn(NameKind::Client, task.getClientName());
-            mask.learn(NameKind::Machine, task.getVmName());
-            mask.learn(NameKind::Profile, task.getProfileName());
-        }
-    };
-    learnTasks(store.tasks());
-    learnTasks(store.taskLogs());
-    for (const CatalogueClient& client : readCatalogue(directory.catalogue()).clients)
-        mask.learn(NameKind::Client, client.name);
-    learnInventory(mask, readInventory(directory.inventory()));
-}
-
-void addRows(Bundle& bundle, const LabDirectory& directory, const std::string& client,
-             const std::string& configuration) {
     tryTo(bundle, "the jobs", [&] {
-        const Store store(directory.database());
-        if (bundle.options().isMasked)
-            tryTo(bundle, "names for the mask", [&] { learnLab(bundle, directory, store); });
-        bundle.add("lab/jobs.txt", "submitted jobs and their states", Form::Text, jobReport(store));
-        if (client.empty())
-            return;
-        const std::string config = configuration.empty() ? "latest" : configuration;
-        const std::string what = "configuration " + config + " of client " + client;
-        bundle.mask().learn(NameKind::Client, client);
-        tryTo(bundle, what, [&] {
-            bundle.add("client/" + pathPart(client) + "/" + pathPart(config) + ".xml", what, Form::Document,
-                       exportConfiguration(store, client, configuration));
-        });
+        bundle.add("lab/jobs.txt", "submitted jobs and their states", Form::Text,
+                   jobReport(Store(directory.database())));
     });
+    if (!client.empty())
+        tryTo(bundle, "the client's configuration", [&] {
+            bundle.add("client/configuration.xml", "the client's configuration, as the database has it",
+                       Form::Document,
+                       exportConfiguration(Store(directory.database()), client, configuration));
+        });
+    if (bundle.options().isMasked)
+        try {
+            learnDatabase(bundle.mask(), directory);
+        } catch (const std::exception& failure) {
+            bundle.missNames("the database's names, for the mask", failure.what());
+        }
 }
 
 } // namespace
@@ -129,7 +94,9 @@ void addRows(Bundle& bundle, const LabDirectory& directory, const std::string& c
 void bundleLab(const LabDirectory& directory, const std::string& client, const std::string& configuration,
                Bundle& bundle) {
     directory.mustExist();
-    addMachineFacts(bundle, {{"SQLite", ::sqlite3_libversion()}, {"CLI11", CLI11_VERSION}}, {});
+    bundle.mask().learn(NameKind::Client, client);
+    bundle.mask().learn(NameKind::Name, configuration);
+    addMachineFacts(bundle, {{"SQLite", ::sqlite3_libversion()}, {"CLI11", CLI11_VERSION}});
     addConfigurationFile(bundle, directory.configuration().string());
     bundle.addFile("lab/inventory.toml", "the virtualisation targets", Form::Toml,
                    directory.inventory().string());
@@ -137,8 +104,7 @@ void bundleLab(const LabDirectory& directory, const std::string& client, const s
     addLogs(bundle, directory.logs().string());
     bundle.addEnd("logs/requests.log", "the last requests to the daemons (zorlab serve --trace)",
                   directory.requestLog().string());
-    addDatabase(bundle, directory);
-    addRows(bundle, directory, client, configuration);
+    addDatabase(bundle, directory, client, configuration);
     bundle.write();
 }
 

@@ -36,8 +36,6 @@ constexpr int MAX_SQL = 64 * 1024;
 constexpr int MAX_INSTRUCTIONS = 6000;
 // The longest text that a clause may read or make; a text that is doubled again and again ends here.
 constexpr int MAX_VALUE = 4 << 20;
-// What SQLite may take in this process: a few thousand terms can be compiled into millions.
-constexpr sqlite3_int64 MAX_HEAP = sqlite3_int64{256} << 20;
 // A pattern is matched in a time that grows with its length times that of the text.
 constexpr int MAX_PATTERN = 256;
 constexpr int MAX_MATCHED = 64 * 1024;
@@ -168,11 +166,11 @@ int statusOf(const DatabaseError& error) {
 
 void restrictToReading(Database& database) {
     database.execute("PRAGMA query_only=ON");
+    database.execute("PRAGMA temp_store=MEMORY");          // a sort has its bound there, and on the disk none
     database.execute("SELECT value FROM json_each('[]')"); // its first use makes a table of its own
     for (const int arguments : {2, 3})
         sqlite3_create_function(database.handle(), "like", arguments, SQLITE_UTF8 | SQLITE_DETERMINISTIC,
                                 nullptr, like, nullptr, nullptr);
-    sqlite3_hard_heap_limit64(MAX_HEAP);
     sqlite3_limit(database.handle(), SQLITE_LIMIT_SQL_LENGTH, MAX_SQL);
     sqlite3_limit(database.handle(), SQLITE_LIMIT_VDBE_OP, MAX_INSTRUCTIONS);
     sqlite3_set_authorizer(database.handle(), authorize, nullptr);

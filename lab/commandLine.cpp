@@ -34,13 +34,14 @@ namespace {
 
 constexpr int EXIT_FAILED = 1;
 constexpr int EXIT_BAD_COMMAND_LINE = 2;
+constexpr int EXIT_INCOMPLETE = 3;
 
 constexpr double MAX_JOB_SECONDS = 86400;
 constexpr std::int64_t LATEST_CLOCK = 4'102'444'800; ///< the year 2100
 
 constexpr const char* EXITS =
     "Exit status: 0 done; 1 the command failed, and standard error says why; 2 the command "
-    "line makes no sense.";
+    "line makes no sense; 3 a part of a bundle could not be had.";
 
 // What all commands together take.
 struct Options {
@@ -58,6 +59,7 @@ struct Options {
     std::string scenario;
     bool json = false;
     BundleOptions bundle{.program = "zorlab", .version = ZOR_VERSION};
+    int exit = 0;
 };
 
 CLI::App* addCommand(CLI::App& app, const char* name, const char* purpose, Options& options) {
@@ -226,11 +228,10 @@ void addCapture(CLI::App& app) {
 void addBundle(CLI::App& app, Options& options) {
     CLI::App* command =
         addCommand(app, "bundle", "Gather what a support engineer needs in one archive.", options);
-    CLI::Option* client = command->add_option("--client", options.client,
-                                              "with the configuration document of this client");
+    CLI::Option* client =
+        command->add_option("--client", options.client, "with the configuration document of this client");
     command
-        ->add_option("--config", options.configuration,
-                     "that configuration of the client; else its latest")
+        ->add_option("--config", options.configuration, "that configuration of the client; else its latest")
         ->needs(client);
     command->add_option("--output", options.bundle.output, "the archive; else zorlab-bundle-TIME.tar.gz here")
         ->type_name("FILE");
@@ -243,11 +244,9 @@ void addBundle(CLI::App& app, Options& options) {
     command->callback([&options] {
         Bundle bundle(options.bundle);
         bundleLab(LabDirectory(options.directory), options.client, options.configuration, bundle);
-        for (const MissingMember& missing : bundle.missing())
-            std::fprintf(stderr, "zorlab: missing: %s: %s\n", Suite::printable(missing.what).c_str(),
-                         Suite::printable(missing.why).c_str());
-        std::cout << Suite::printable(bundle.options().output) << ": " << bundle.members().size()
-                  << " members, " << bundle.size() << " bytes\n";
+        std::cout << bundle.report();
+        if (bundle.hasFailures())
+            options.exit = EXIT_INCOMPLETE;
     });
 }
 
@@ -276,7 +275,7 @@ int runZorlab(int argc, char** argv) {
         std::cout.flush();
         if (!std::cout)
             throw LabError("standard output can't be written");
-        return 0;
+        return options.exit;
     } catch (const CLI::ParseError& failure) {
         return app.exit(failure) == 0 ? 0 : EXIT_BAD_COMMAND_LINE;
     } catch (const std::exception& failure) {

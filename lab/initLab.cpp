@@ -41,8 +41,8 @@ constexpr std::string_view CATALOGUE_HEAD =
 # a [[content]] in place of one of its own, or in addition to it.
 )toml";
 
-// A folder of what is shipped: beside the program's folder in a build tree, one folder further up in the suite's
-// tree, wherever that stands; else where the suite has it.
+// A folder of what is shipped: beside the program's folder in a build tree, one folder further up in the
+// suite's tree, wherever that stands; else where the suite has it.
 fs::path shipped(const char* name) {
     std::error_code error;
     const fs::path top = fs::read_symlink("/proc/self/exe", error).parent_path().parent_path();
@@ -107,18 +107,58 @@ std::vector<fs::path> documentsIn(const fs::path& folder) {
     return files;
 }
 
-// A lab that stands there stays unless it is to be replaced; other files in the directory are none of ours.
-void clear(const LabDirectory& directory, bool force) {
+// All files of a lab, in the order in which they take an older one's places: a database never meets the log
+// of another, and what has a configuration is a lab.
+std::array<fs::path, 8> filesOf(const LabDirectory& directory) {
     const std::string database = directory.database().string();
-    const std::array<fs::path, 8> files = {
-        directory.configuration(), directory.inventory(), directory.catalogue(),
-        directory.requestLog(),    directory.received(),  database,
-        database + "-wal",         database + "-shm",
-    };
-    if (!force && std::ranges::any_of(files, [](const fs::path& file) { return fs::exists(file); }))
-        throw LabError(directory.path().string() + " holds a lab already; replace it with --force");
-    for (const fs::path& file : files)
-        fs::remove_all(file);
+    return {database + "-wal", database + "-shm",     directory.requestLog(), directory.received(),
+            database,          directory.inventory(), directory.catalogue(),  directory.configuration()};
+}
+
+// A lab in the making, beside the one that it may take the place of, and gone when it doesn't come to that.
+class Draft {
+  public:
+    explicit Draft(const LabDirectory& directory) : m_directory(directory) {
+        fs::remove_all(m_draft.path()); // what a run left that was killed
+        fs::create_directory(m_draft.path());
+    }
+    Draft(const Draft&) = delete;
+    Draft& operator=(const Draft&) = delete;
+    ~Draft() {
+        std::error_code error;
+        fs::remove_all(m_draft.path(), error);
+    }
+
+    [[nodiscard]] const LabDirectory& directory() const { return m_draft; }
+    /// Other files in the lab's directory are none of ours, and stay.
+    void install() const {
+        const auto from = filesOf(m_draft);
+        const auto to = filesOf(m_directory);
+        for (std::size_t i = 0; i < from.size(); ++i)
+            if (fs::exists(from[i]))
+                fs::rename(from[i], to[i]);
+            else
+                fs::remove_all(to[i]);
+    }
+
+  private:
+    const LabDirectory& m_directory;
+    LabDirectory m_draft{m_directory.path() / "draft"};
+};
+
+void writeFiles(const LabDirectory& draft, const LabDirectory& directory, const LabPorts& ports,
+                const std::vector<fs::path>& documents, const EstateOptions& estate, std::ostream& out) {
+    write(draft.inventory(), std::string(DEFAULT_INVENTORY) + estateInventory(estate));
+    Store store(draft.database());
+    std::string catalogue(CATALOGUE_HEAD);
+    for (const fs::path& document : documents) {
+        CZor rows;
+        loadConfiguration(store, document, rows, out);
+        catalogue += catalogueEntry(rows);
+    }
+    catalogue += loadEstate(store, estate, shipped("samples"), out);
+    write(draft.catalogue(), catalogue);
+    write(draft.configuration(), configurationText(directory, ports));
 }
 
 } // namespace
@@ -126,28 +166,21 @@ void clear(const LabDirectory& directory, bool force) {
 void initLab(const LabDirectory& directory, const InitOptions& options) {
     const std::vector<fs::path> documents = documentsIn(options.samples.value_or(shipped("samples")));
     const LabPorts ports = choosePorts(options.basePort);
+    std::ostringstream unheard;
+    std::ostream& out = options.quiet ? unheard : std::cout;
     try {
-        clear(directory, options.force);
         fs::create_directories(directory.logs());
+        const Suite::Descriptor lock = directory.lock();
+        if (!options.force &&
+            std::ranges::any_of(filesOf(directory), [](const fs::path& file) { return fs::exists(file); }))
+            throw LabError(directory.path().string() + " holds a lab already; replace it with --force");
+        const Draft draft(directory);
+        writeFiles(draft.directory(), directory, ports, documents, options.estate, out);
+        draft.install();
     } catch (const fs::filesystem_error& failure) {
         throw LabError("cannot make the lab directory " + directory.path().string() + ": " +
                        failure.code().message());
     }
-    write(directory.inventory(), std::string(DEFAULT_INVENTORY) + estateInventory(options.estate));
-
-    std::ostringstream unheard;
-    std::ostream& out = options.quiet ? unheard : std::cout;
-    Store store(directory.database());
-    std::string catalogue(CATALOGUE_HEAD);
-    for (const fs::path& document : documents) {
-        CZor rows;
-        loadConfiguration(store, document, rows, out);
-        catalogue += catalogueEntry(rows);
-    }
-    catalogue += loadEstate(store, options.estate, shipped("samples"), out);
-    write(directory.catalogue(), catalogue);
-    // Last: with it the directory is a lab.
-    write(directory.configuration(), configurationText(directory, ports));
     out << "lab made in " << directory.path().string() << "; serve it with: zorlab serve "
         << directory.path().string()
         << "\nclients find it with: export KVN_CONF=" << directory.configuration().string() << "\n";

@@ -154,7 +154,9 @@ void remove(Store& store, const std::string& table, const std::string& where, ID
     const StoreResult found = store.query(writeDocument(request));
     check(found);
     CZor rows;
-    readDocument(found.reply, rows, [](const BaseTable&) { return true; });
+    RowAllowance everything(found.reply.max_size(), always, Wait::No);
+    readDocument(
+        found.reply, rows, [](const BaseTable&) { return true; }, everything);
     bool isEmpty = true;
     forEachRow(rows, [&](const TableDescriptor&, const BaseTable&) { isEmpty = false; });
     if (!isEmpty) // a commit waits for the disk

@@ -35,7 +35,7 @@ struct MethodResult {
 enum MethodMessage : std::int32_t {
     METHOD_NO_TASK = 1201,     ///< the task's number
     METHOD_NO_PROFILE = 1202,  ///< the profile's name or number
-    METHOD_NOT_THERE = 1203,   ///< profile, kind of object, its name, server
+    METHOD_NOT_THERE = 1203,   ///< profile, key or option, its value, server
     METHOD_IN_USE = 1204,      ///< the profile's name
     METHOD_FAILED = 1205,      ///< the operation, the reason
     METHOD_NOT_OFFERED = 1206, ///< operation, resource

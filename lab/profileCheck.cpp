@@ -50,13 +50,13 @@ std::string serverOf(const CVmwareProfileOptions& profile) {
 
 std::optional<MissingObject> findMissing(const Inventory& inventory, const CVmwareProfileOptions& profile) {
     if (!contains(inventory.proxies, profile.getVICName()))
-        return MissingObject{"conversion host", profile.getVICName()};
+        return MissingObject{"-vmproxy", profile.getVICName()};
     const InventoryServer* server = inventory.findServer(serverOf(profile));
     if (!server)
-        return MissingObject{"virtual machine server", serverOf(profile)};
+        return MissingObject{"-vmserver", serverOf(profile)};
     const auto [dataCenter, host] = findHost(*server, profile.getEsxServer());
     if (!host)
-        return MissingObject{"ESX host", profile.getEsxServer()};
+        return MissingObject{"esxhost", profile.getEsxServer()};
 
     const bool vCenter = server->type == InventoryServer::Type::VCenter;
     const struct {
@@ -64,11 +64,11 @@ std::optional<MissingObject> findMissing(const Inventory& inventory, const CVmwa
         const std::string& name;
         bool there;
     } objects[] = {
-        {"data center", profile.getDataCenter(),
+        {"datacenter", profile.getDataCenter(),
          same(dataCenter->name, lastComponent(profile.getDataCenter()))},
         {"cluster", profile.getESXCluster(), same(host->cluster, profile.getESXCluster())},
-        {"data store", profile.getDataStore(), hasStore(*host, profile.getDataStore())},
-        {"resource pool", profile.getResourcePool(), hasPool(*dataCenter, *host, profile.getResourcePool())},
+        {"datastore", profile.getDataStore(), hasStore(*host, profile.getDataStore())},
+        {"resourcepool", profile.getResourcePool(), hasPool(*dataCenter, *host, profile.getResourcePool())},
         {"folder", profile.getFolder(), !vCenter || hasFolder(*dataCenter, profile.getFolder())},
         {"network", profile.getNetwork(), contains(host->networks, profile.getNetwork())},
     };

@@ -11,7 +11,7 @@
 namespace Zorvane {
 
 struct MissingObject {
-    const char* kind;
+    const char* kind; ///< the target file's key, or the option: the same in every language
     std::string name;
 };
 

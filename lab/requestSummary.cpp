@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/requestSummary.h"
 
+#include "lab/rows.h"
 #include "model/CZor.h"
 #include "model/task_records.h"
 #include "ops/zoropNames.h"
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <exception>
 
 namespace Zorvane {
 
@@ -66,7 +68,7 @@ void addRows(CZor& rows, RequestSummary& summary) {
 
 } // namespace
 
-RequestSummary summarize(int command, std::string_view document) {
+RequestSummary summarize(int command, std::string_view document, const LargeTurn& turn) {
     RequestSummary summary;
     const auto verb = std::ranges::find(VERBS, command, &Verb::command);
     if (verb == VERBS.end())
@@ -74,8 +76,14 @@ RequestSummary summarize(int command, std::string_view document) {
     summary.operation = verb->name;
     summary.point = verb->point;
     CZor rows;
-    std::string bytes(document);
-    rows.readXml(reinterpret_cast<unsigned char*>(bytes.data()), static_cast<int>(bytes.size()));
+    try {
+        RowAllowance allowance(StoreLimits().rowBytes, turn, Wait::Yes);
+        readDocument(
+            {reinterpret_cast<const unsigned char*>(document.data()), document.size()}, rows,
+            [](const BaseTable&) { return true; }, allowance);
+    } catch (const std::exception&) {
+        // The request itself meets the same, and tells it.
+    }
     if (command == ZOROP_QUERY)
         addQueries(rows, summary);
     else

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "lab/FailRules.h"
+#include "lab/Store.h"
 
 #include <optional>
 #include <string>
@@ -19,7 +20,8 @@ struct RequestSummary {
     std::string arguments;           ///< condition, or the number of the tree's row
 };
 
-/// Of a DB_REQUEST's command and document. A document that can't be read gives the operation alone.
-RequestSummary summarize(int command, std::string_view document);
+/// Of a DB_REQUEST's command and document. A document that can't be read gives the operation alone, and one
+/// of too many rows what was read of it.
+RequestSummary summarize(int command, std::string_view document, const LargeTurn& turn);
 
 } // namespace Zorvane

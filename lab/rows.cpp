@@ -9,6 +9,7 @@
 
 #include <limits>
 #include <memory>
+#include <new>
 #include <unordered_map>
 
 namespace Zorvane {
@@ -157,12 +158,12 @@ void readRow(const TableDescriptor& table, BaseTable& row, const Statement& stat
 }
 
 std::size_t sizeOf(const TableDescriptor& table, const BaseTable& row) {
-    constexpr std::size_t number = 8;
-    std::size_t size = 0;
+    constexpr std::size_t element = 32;
+    std::size_t size = element * table.fields.size();
     for (const Field& field : table.fields)
-        size += field.kind == FieldKind::Text     ? number + (row.*field.text).size()
-                : field.kind == FieldKind::Binary ? number + (row.*field.binary).size()
-                                                  : number;
+        size += field.kind == FieldKind::Text     ? (row.*field.text).size()
+                : field.kind == FieldKind::Binary ? (row.*field.binary).size()
+                                                  : 0;
     return size;
 }
 
@@ -187,10 +188,13 @@ void forEachRow(CZor& rows, const RowVisitor& visit) {
                 visit(vector.table(), *row);
 }
 
-void readDocument(std::span<const unsigned char> document, CZor& rows, RowFilter accepts) {
+void readDocument(std::span<const unsigned char> document, CZor& rows, RowFilter accepts,
+                  RowAllowance& allowance) {
     if (document.size() > std::numeric_limits<int>::max())
         throw RequestError(STORE_BAD_DOCUMENT, "the document is too long");
     XmlParser parser(document.data(), static_cast<int>(document.size()));
+    if (parser.lackedMemory())
+        throw std::bad_alloc();
     if (parser.initChildren() != 0 || parser.getRootName() != ZOR_XML_ROOT)
         throw RequestError(STORE_BAD_DOCUMENT,
                            "the request's " + std::to_string(document.size()) + " bytes are no document");
@@ -203,18 +207,22 @@ void readDocument(std::span<const unsigned char> document, CZor& rows, RowFilter
         RecordCodec::read(table, *row, parser);
         if (!accepts(*row))
             continue;
+        allowance.take(sizeOf(table, *row));
         vector->rows(rows).records().push_back(row.get());
         static_cast<void>(row.release());
     }
 }
 
 std::vector<unsigned char> writeDocument(CZor& rows) {
-    unsigned char* xml = nullptr;
-    int length = 0;
-    if (rows.writeXml(&xml, &length) != 0)
-        throw std::runtime_error("the reply's document can't be written");
-    const std::unique_ptr<unsigned char[]> owner(xml);
-    return {xml, xml + length};
+    XmlParser parser;
+    forEachRow(rows, [&](const TableDescriptor& table, const BaseTable& row) {
+        if (RecordCodec::write(table, row, parser) != 0)
+            throw std::runtime_error("a row can't be written");
+    });
+    if (parser.write() != 0)
+        throw std::runtime_error("the document of the rows can't be written");
+    const unsigned char* const xml = parser.getBuffer();
+    return {xml, xml + parser.getBufferLen()};
 }
 
 } // namespace Zorvane

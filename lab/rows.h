@@ -3,6 +3,7 @@
 #pragma once
 
 #include "lab/Database.h"
+#include "lab/RowAllowance.h"
 #include "model/CZor.h"
 #include "model/TableDescriptor.h"
 
@@ -23,7 +24,7 @@ void readRow(const TableDescriptor& table, BaseTable& row, const Statement& stat
 /// Marks a record as the database's: it and all its references.
 void markFromDb(const TableDescriptor& table, BaseTable& row);
 
-/// Bytes that the record takes, roughly.
+/// Bytes that the record takes in a document, roughly; at least what its elements do.
 std::size_t sizeOf(const TableDescriptor& table, const BaseTable& row);
 
 /// Under the record's own Id.
@@ -49,9 +50,11 @@ void forEachRow(CZor& rows, const RowVisitor& visit);
 
 using RowFilter = bool (*)(const BaseTable& row);
 /// Adds the rows of a document that the filter accepts. Unlike CZor::readXml this keeps every one of them:
-/// new rows may all have the number 0. Throws RequestError for what is no document.
-void readDocument(std::span<const unsigned char> document, CZor& rows, RowFilter accepts);
-/// The document of the container.
+/// new rows may all have the number 0. Throws RequestError for what is no document or more than is allowed.
+void readDocument(std::span<const unsigned char> document, CZor& rows, RowFilter accepts,
+                  RowAllowance& allowance);
+/// The document of the container, whole. Unlike CZor::writeXml this throws when there is no memory for it, or
+/// when a text has no place in a document.
 std::vector<unsigned char> writeDocument(CZor& rows);
 
 } // namespace Zorvane

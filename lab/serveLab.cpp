@@ -12,9 +12,13 @@
 #include <iostream>
 #include <memory>
 
+#include <malloc.h>
+
 namespace Zorvane {
 
 namespace {
+
+constexpr int HEAPS = 4;
 
 void reportJobFailure(const std::string& text) {
     std::fprintf(stderr, "zorlab: jobs: %s\n", Suite::printable(text).c_str());
@@ -23,7 +27,10 @@ void reportJobFailure(const std::string& text) {
 } // namespace
 
 void serveLab(const LabDirectory& directory, ServeOptions options) {
+    // Before the first thread: each heap keeps what a large document left in it, and threads would have sixteen.
+    ::mallopt(M_ARENA_MAX, HEAPS);
     directory.mustExist();
+    const Suite::Descriptor lock = directory.lock();
     const LabPorts ports = directory.ports();
     Store store(directory.database());
     JobRunner jobs(store, options.pace, reportJobFailure, options.clock);

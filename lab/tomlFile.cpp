@@ -143,7 +143,7 @@ TomlTable readToml(const std::filesystem::path& file) {
     if (text.size() > MAX_FILE_SIZE || in.bad())
         throw LabError(file.string() + " is no file of a lab");
     try {
-        auto root = std::make_shared<const toml::table>(toml::parse(text, file.string()));
+        auto root = std::make_shared<const toml::table>(Suite::parseToml(text, file.string()));
         return {*root, root};
     } catch (const toml::parse_error& failure) {
         refuseAt(failure.source(), std::string(failure.description()));

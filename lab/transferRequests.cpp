@@ -3,53 +3,22 @@
 
 #include "lab/Connection.h"
 #include "lab/Lab.h"
-#include "model/CZor.h"
 #include "ops/packets.h"
 #include "ops/sendrecv.h"
 
 #include <algorithm>
-#include <cctype>
 #include <fstream>
-#include <sstream>
+#include <optional>
+#include <string_view>
 
 namespace Zorvane {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::uint8_t DONE = 0;
 constexpr std::uint8_t FAILED = 1;
 constexpr std::int32_t FILE_MODE = 0644; ///< of a pulled file at the client
-
-// What all files together may take: clients must not fill the disk.
-constexpr std::uintmax_t MAX_FOLDER_SIZE = std::uintmax_t{256} << 20;
-
-// A name from a client as a part of a file's name: it can leave neither the folder nor the characters that
-// every tool can take.
-std::string plain(std::string_view name) {
-    std::string safe;
-    for (const char c : name)
-        safe += std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '.' ? c : '_';
-    return safe.substr(0, 100);
-}
-
-fs::path placeOf(const Lab& lab, std::string_view client, std::string_view file) {
-    return lab.received / ("from-" + plain(client) + "-" + plain(file));
-}
-
-bool keep(const Lab& lab, const fs::path& place, const std::string& bytes) {
-    std::error_code error;
-    fs::create_directories(lab.received, error);
-    std::uintmax_t total = bytes.size();
-    for (const auto& entry : fs::directory_iterator(lab.received, error))
-        total += entry.file_size(error);
-    if (total > MAX_FOLDER_SIZE)
-        return false;
-    std::ofstream out(place, std::ios::binary | std::ios::trunc);
-    out << bytes;
-    return static_cast<bool>(out.flush());
-}
+constexpr std::streamsize PIECE = std::streamsize{64} << 10;
 
 // One of the requests, with what they all need.
 class Transfer {
@@ -62,7 +31,7 @@ class Transfer {
         std::string text;
         const DocumentTurns::Room room(m_lab.turns, m_lab.limits.document);
         const bool kept = room.isGranted() && m_connection.readToEnd(text, m_lab.limits.document) &&
-                          keep(m_lab, placeOf(m_lab, request.name.c_str(), "log"), text);
+                          m_lab.received.keep(m_lab.received.logOf(request.name.c_str()), text);
         note("log", request.name.c_str(), std::to_string(text.size()), kept ? DONE : FAILED);
     }
 
@@ -88,8 +57,8 @@ class Transfer {
         const auto bytes = content(room, request.byteCount);
         if (!bytes)
             return reply(PushReply(), FAILED);
-        const bool kept =
-            keep(m_lab, placeOf(m_lab, request.client.c_str(), request.fileName.c_str()), *bytes);
+        const bool kept = m_lab.received.keep(
+            m_lab.received.fileOf(request.client.c_str(), request.fileName.c_str()), *bytes);
         note("push", request.client.c_str(), request.fileName.c_str(), kept ? DONE : FAILED);
         reply(PushReply(), kept ? DONE : FAILED);
     }
@@ -97,30 +66,37 @@ class Transfer {
     // Gives back what was pushed under that name.
     template <PacketType T>
     void take(FileRequest<T>& request) {
-        std::ifstream in(placeOf(m_lab, request.client.c_str(), request.source.c_str()), std::ios::binary);
-        std::ostringstream bytes;
-        if (in.peek() != std::ifstream::traits_type::eof())
-            bytes << in.rdbuf();
+        // A newer file of that name takes this one's place, not its content.
+        std::ifstream in(m_lab.received.fileOf(request.client.c_str(), request.source.c_str()),
+                         std::ios::binary | std::ios::ate);
         PullReply answer;
         answer.fileMode = FILE_MODE;
-        answer.byteCount = static_cast<std::int32_t>(bytes.view().size());
-        const std::uint8_t status = in.is_open() ? DONE : FAILED;
+        answer.byteCount = in ? static_cast<std::int32_t>(in.tellg()) : 0;
+        const std::uint8_t status = in ? DONE : FAILED;
         note("pull", request.client.c_str(), request.source.c_str(), status);
         reply(answer, status);
-        if (status == DONE)
-            m_connection.write(bytes.view());
+        in.seekg(0);
+        std::string piece(PIECE, '\0');
+        while (in && (in.read(piece.data(), PIECE), in.gcount() > 0) &&
+               m_connection.write(std::string_view(piece).substr(0, static_cast<std::size_t>(in.gcount()))))
+            continue;
     }
 
     // A configuration's rows come as a document and are loaded as new ones.
     void take(ImportRequest& request) {
         const DocumentTurns::Room room = roomFor(request.byteCount);
-        auto bytes = content(room, request.byteCount);
-        const DocumentTurns::Turn turn(m_lab.turns, bytes ? bytes->size() : 0, m_connection);
-        CZor rows;
-        const bool read = bytes && turn.isGranted() && !DocumentTurns::isTooFull(*bytes) &&
-                          rows.readXml(reinterpret_cast<unsigned char*>(bytes->data()),
-                                       static_cast<int>(bytes->size())) == 0;
-        const int status = read ? m_lab.store.load(rows).status : static_cast<int>(STORE_BAD_DOCUMENT);
+        const auto bytes = content(room, request.byteCount);
+        DocumentTurns::Turn turn(m_lab.turns, m_connection);
+        const auto takeTurn = [&](Wait wait) { return turn.take(wait); };
+        int status = STORE_BAD_DOCUMENT;
+        if (bytes &&
+            (DocumentTurns::isTooFull(*bytes) || (DocumentTurns::isLarge(*bytes) && !turn.take(Wait::Yes))))
+            status = STORE_TOO_MUCH;
+        else if (bytes)
+            status =
+                m_lab.store
+                    .load({reinterpret_cast<const unsigned char*>(bytes->data()), bytes->size()}, takeTurn)
+                    .status;
         note("import", request.client.c_str(), request.configuration.c_str(), status);
         reply(ImportReply(), static_cast<std::uint8_t>(status));
     }

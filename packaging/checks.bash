@@ -14,11 +14,11 @@ check() {
   printf 'ok    %s\n' "$what"
 }
 
-# holds PATTERN COMMAND...: the command's output has the text; whatever its status is.
+# holds PATTERN COMMAND...: the command's output has the text, byte for byte; whatever its status is.
 holds() {
   local said
   said=$("${@:2}" 2>&1) || true
-  grep -qF -e "$1" <<<"$said" || { printf 'no "%s" in what %s says:\n%s\n' "$1" "$2" "$said"; return 1; }
+  LC_ALL=C grep -qF -e "$1" <<<"$said" || { printf 'no "%s" in what %s says:\n%s\n' "$1" "$2" "$said"; return 1; }
 }
 
 # ends STATUS COMMAND...: the command ends so.

@@ -50,6 +50,7 @@ install_link(zorlab lab)
 install(FILES ${here}/kvn.toml DESTINATION tarnv/kelvarion COMPONENT b2v)
 install(DIRECTORY DESTINATION tarnv/kelvarion/zorvane/server/data COMPONENT b2v)
 install(DIRECTORY DESTINATION tarnv/kelvarion/zorvane/client/data COMPONENT b2v)
+install(DIRECTORY DESTINATION tarnv/var/global COMPONENT b2v)
 install(FILES ${here}/zorlab.service DESTINATION lib/systemd/system COMPONENT lab)
 install(FILES ${here}/zorlab.sysusers DESTINATION lib/sysusers.d RENAME zorlab.conf COMPONENT lab)
 

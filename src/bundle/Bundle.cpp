@@ -3,14 +3,15 @@
 
 #include "bundle/NewFile.h"
 #include "bundle/archive.h"
+#include "bundle/documentNames.h"
+#include "bundle/utf8.h"
 #include "suite/descriptor.h"
+#include "suite/printable.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cerrno>
 #include <cstring>
-#include <optional>
 
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
@@ -28,7 +29,6 @@ constexpr std::size_t END_LINES = 2000;
 constexpr off_t END_BYTES = off_t{1} << 20;
 // Of any other file, and more than all of them have.
 constexpr off_t MOST_BYTES = off_t{16} << 20;
-constexpr std::size_t PATH_PART = 60;
 
 struct Piece {
     std::string text{};
@@ -94,12 +94,24 @@ bool isSameFile(const std::string& first, const std::string& second) {
            first.substr(first.rfind('/') + 1) == second.substr(second.rfind('/') + 1);
 }
 
+constexpr const char* UNREADABLE =
+    "it is not in its form, so that what must not go along can't be told from the rest; it is left out";
 constexpr const char* MASKED_NOTE =
     "Names and addresses are masked. The same name has the same stand-in everywhere: host-1, "
     "client-1.domain-1.\n"
-    "Addresses became 0.x.x.x, 100::x and 02:00:00:x:x:x, which belong to nobody. Masked are the names that "
-    "the\n"
-    "configuration, the rows, the inventory and the logs tell of; other words are as they were.\n";
+    "Addresses became 0.x.x.x, 100::x and 02:00:00:x:x:x, which belong to nobody.\n"
+    "Masked are the names that the configuration, the rows, the inventory and the logs tell of as such, and "
+    "what\n"
+    "looks like an address, a host with its domain, a mailbox or a user's folder. A name that stands in free "
+    "text\n"
+    "alone (a description, the path of a file) is as it was: look through the archive before it is sent.\n";
+constexpr const char* PARTIAL_NOTE = "Not all names were known, for some of what tells them could not be had "
+                                     "(it stands below): expect more of "
+                                     "them here.\n";
+constexpr const char* LEFT_OUT_NOTE =
+    "Left out in any case: the contents of files that a client's configuration holds, whose sizes are 0, and "
+    "the values\n"
+    "of keys in kvn.toml that the suite does not know.\n";
 
 } // namespace
 
@@ -109,31 +121,49 @@ Bundle::Bundle(BundleOptions options) : m_options(std::move(options)), m_made(st
         m_options.output = m_folder + ".tar.gz";
     if (!m_options.legend.empty() && isSameFile(m_options.output, m_options.legend))
         throw BundleFailure("the legend and the archive can't be one file: " + m_options.legend);
+    // A path where nothing can be made is told before the work, and nothing is left if that is interrupted.
+    for (const std::string& path : {m_options.output, m_options.legend})
+        if (!path.empty())
+            NewFile(path, m_options.isReplacing);
 }
 
-void Bundle::add(const std::string& path, const std::string& what, Form form, std::string text) {
-    m_members.push_back({path, what, form, std::move(text)});
+void Bundle::add(const std::string& path, const std::string& what, Form form, const std::string& text) {
+    m_members.push_back({path, what, form, form == Form::Document ? withoutContents(text) : toUtf8(text)});
 }
 
 void Bundle::miss(const std::string& what, const std::string& why, bool isFailure) {
-    m_missing.push_back({what, why, isFailure});
+    m_missing.push_back({what, toUtf8(why), isFailure});
+}
+
+void Bundle::missNames(const std::string& what, const std::string& why) {
+    m_isMaskPartial = true;
+    miss(what, why, true);
+}
+
+// The path may name anything.
+void Bundle::missFile(const std::string& what, const std::string& file, const std::string& why,
+                      bool isFailure) {
+    miss(what, m_options.isMasked ? why : file + ": " + why, isFailure);
 }
 
 void Bundle::addFile(const std::string& path, const std::string& what, Form form, const std::string& file,
-                     std::string (*edit)(const std::string&)) {
-    Piece piece = readEnd(file, MOST_BYTES, 0);
-    if (piece.error != 0)
-        miss(what, file + ": " + std::strerror(piece.error));
-    else if (piece.isCut)
-        miss(what, file + " is larger than " + std::to_string(MOST_BYTES >> 20) + " MiB");
-    else
-        add(path, what, form, edit ? edit(piece.text) : std::move(piece.text));
+                     std::optional<std::string> (*edit)(const std::string&)) {
+    const Piece piece = readEnd(file, MOST_BYTES, 0);
+    if (piece.error == 0 && !piece.isCut)
+        if (const auto text = edit ? edit(piece.text) : piece.text)
+            return add(path, what, form, *text);
+    m_isMaskPartial = true;
+    missFile(what, file,
+             piece.error != 0 ? std::strerror(piece.error)
+             : piece.isCut    ? "it is larger than any such file"
+                              : UNREADABLE,
+             piece.error != ENOENT);
 }
 
 void Bundle::addEnd(const std::string& path, const std::string& what, const std::string& file) {
     const Piece piece = readEnd(file, END_BYTES, O_NOFOLLOW);
     if (piece.error != 0)
-        miss(what, file + ": " + (piece.error == ELOOP ? "is a link" : std::strerror(piece.error)));
+        missFile(what, file, piece.error == ELOOP ? "it is a link" : std::strerror(piece.error), false);
     else
         add(path, what, Form::Log, lastLines(piece));
 }
@@ -143,7 +173,6 @@ bool Bundle::hasFailures() const {
 }
 
 void Bundle::write() {
-    // Before the work: a path where nothing can be made is told at once.
     NewFile archive(m_options.output, m_options.isReplacing);
     std::optional<NewFile> legend;
     if (!m_options.legend.empty())
@@ -165,18 +194,23 @@ void Bundle::write() {
 }
 
 void Bundle::maskMembers() {
-    for (const BundleMember& member : m_members)
-        learnFrom(member.form, member.text, m_mask);
-    const auto mask = [&](std::string& text) { text = m_mask.masked(std::string_view(text)); };
     for (BundleMember& member : m_members) {
-        member.text = maskedFile(member.form, member.text, m_mask);
-        mask(member.path);
-        mask(member.what);
+        if (member.form == Form::Log)
+            member.text = readableLog(std::move(member.text));
+        learnFrom(member.form, member.text, m_mask);
     }
-    for (MissingMember& missing : m_missing) {
-        mask(missing.what);
-        mask(missing.why);
-    }
+    for (const MissingMember& missing : m_missing)
+        m_mask.survey(missing.why);
+    std::erase_if(m_members, [&](BundleMember& member) {
+        const auto masked = maskedFile(member.form, member.text, m_mask);
+        if (masked)
+            member.text = *masked;
+        else
+            missNames(member.what, UNREADABLE);
+        return !masked;
+    });
+    for (MissingMember& missing : m_missing)
+        missing.why = m_mask.masked(std::string_view(missing.why));
 }
 
 void Bundle::addContents() {
@@ -185,6 +219,7 @@ void Bundle::addContents() {
     std::string text =
         "Support bundle of " + m_options.program + " " + m_options.version + ", made " + made + ".\n\n" +
         (m_options.isMasked ? MASKED_NOTE : "Names and addresses are as they were; --mask masks them.\n") +
+        (m_options.isMasked && m_isMaskPartial ? PARTIAL_NOTE : "") + LEFT_OUT_NOTE +
         "\nMembers, with their sizes in bytes:\n\n";
     for (const BundleMember& member : m_members) {
         text += "  " + member.path + "  (" + std::to_string(member.text.size()) + ")\n      " + member.what +
@@ -207,11 +242,18 @@ void Bundle::addContents() {
         {"manifest.json", "the list of members, for programs", Form::Json, jsonText(manifest)});
 }
 
-std::string pathPart(const std::string& name) {
-    std::string part = name.substr(0, PATH_PART);
-    std::ranges::replace_if(
-        part, [](unsigned char c) { return c >= 0x80 || (!std::isalnum(c) && c != '.' && c != '-'); }, '_');
-    return part.empty() || part.front() == '.' ? "_" + part : part;
+std::string Bundle::report() const {
+    std::string text = m_options.output + ": " + std::to_string(m_members.size()) + " members, " +
+                       std::to_string(m_size) + " bytes" + (m_options.isMasked ? ", masked" : "");
+    std::vector<std::string> lines = {text};
+    if (!m_options.legend.empty())
+        lines.push_back(m_options.legend + ": what the stand-ins stand for; not to be sent");
+    for (const MissingMember& each : m_missing)
+        lines.push_back("  missing: " + each.what + ": " + each.why);
+    text.clear();
+    for (const std::string& line : lines)
+        text += Suite::printable(line) + "\n";
+    return text;
 }
 
 } // namespace Zorvane

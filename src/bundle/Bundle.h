@@ -6,6 +6,7 @@
 #include "bundle/maskedForms.h"
 
 #include <ctime>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ struct BundleOptions {
     bool isReplacing = false;
 };
 
+/// Paths and words on members are the same in every bundle: they hold no names.
 struct BundleMember {
     std::string path; ///< below the archive's folder
     std::string what;
@@ -28,24 +30,28 @@ struct BundleMember {
 };
 
 struct MissingMember {
-    std::string what;
+    std::string what; ///< the same in every bundle, too
     std::string why;
     bool isFailure; ///< somebody who was asked did not answer; else a site just has no such thing
 };
 
 class Bundle {
   public:
+    /// Throws BundleFailure if the archive can't be made at its path.
     explicit Bundle(BundleOptions options);
 
     [[nodiscard]] const BundleOptions& options() const { return m_options; }
     /// For names that no member gives away.
     [[nodiscard]] Mask& mask() { return m_mask; }
 
-    void add(const std::string& path, const std::string& what, Form form, std::string text);
+    /// Contents of files go out of documents.
+    void add(const std::string& path, const std::string& what, Form form, const std::string& text);
     void miss(const std::string& what, const std::string& why, bool isFailure = false);
-    /// A file; whole, or not at all. `edit` makes of its text what is added.
+    /// Where names for the mask could not be had: the archive then says that it may hold more of them.
+    void missNames(const std::string& what, const std::string& why);
+    /// A file; whole, or not at all. `edit` makes of its text what is added, or nothing if it can't.
     void addFile(const std::string& path, const std::string& what, Form form, const std::string& file,
-                 std::string (*edit)(const std::string&) = nullptr);
+                 std::optional<std::string> (*edit)(const std::string&) = nullptr);
     /// The last lines of a file.
     void addEnd(const std::string& path, const std::string& what, const std::string& file);
 
@@ -59,8 +65,11 @@ class Bundle {
     [[nodiscard]] bool hasFailures() const;
     /// Of the archive, in bytes.
     [[nodiscard]] std::size_t size() const { return m_size; }
+    /// What was written, and what is missing, for the terminal.
+    [[nodiscard]] std::string report() const;
 
   private:
+    void missFile(const std::string& what, const std::string& file, const std::string& why, bool isFailure);
     void maskMembers();
     void addContents();
 
@@ -68,12 +77,10 @@ class Bundle {
     std::time_t m_made;
     std::string m_folder;
     Mask m_mask;
+    bool m_isMaskPartial = false;
     std::vector<BundleMember> m_members;
     std::vector<MissingMember> m_missing;
     std::size_t m_size = 0;
 };
-
-/// A name as a part of a member's path: other signs than letters, digits, dots and dashes are replaced.
-std::string pathPart(const std::string& name);
 
 } // namespace Zorvane

@@ -2,6 +2,7 @@
 #include "bundle/archive.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -60,6 +61,7 @@ Header headerOf(std::string_view name, std::size_t size, std::time_t made) {
 } // namespace
 
 void TarGz::add(std::string_view name, std::string_view content) {
+    assert(name.size() <= NAME_SIZE);
     const Header header = headerOf(name, content.size(), m_made);
     m_tar.append(reinterpret_cast<const char*>(&header), sizeof header);
     m_tar += content;

@@ -19,7 +19,7 @@ class TarGz {
     /// Members belong to nobody in particular and are of that time.
     explicit TarGz(std::time_t made) : m_made(made) {}
 
-    /// `name` is a path of at most NAME_SIZE bytes; a longer one is cut.
+    /// `name` is a path of at most NAME_SIZE bytes: those of a bundle are fixed, and short.
     void add(std::string_view name, std::string_view content);
     /// The whole archive, compressed. Throws std::runtime_error.
     [[nodiscard]] std::string finish() const;

@@ -1,23 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bundle/documentNames.h"
 
+#include "bundle/utf8.h"
 #include "model/CZor.h"
 #include "model/TableDescriptor.h"
-
-#include <algorithm>
+#include "platform/codeSetCommon.h"
 
 namespace Zorvane {
 
 namespace {
 
 struct NameField {
-    std::string_view table; ///< empty: in any
+    std::string_view table; ///< empty: any; those that are derived from it count as it
     std::string_view field;
     NameKind kind;
 };
 
 constexpr NameField NAME_FIELDS[] = {
     {"", "ClientName", NameKind::Client},
+    {"", "ConfigName", NameKind::Name},
+    {"Config", "Name", NameKind::Name},
     {"", "Hostname", NameKind::Host},
     {"", "fqdn", NameKind::Host},
     {"", "NodeName", NameKind::Host},
@@ -29,6 +31,9 @@ constexpr NameField NAME_FIELDS[] = {
     {"HostList", "Name", NameKind::Host},
     {"ClusterNode", "Name", NameKind::Host},
     {"BootServer", "Name", NameKind::Host},
+    {"SvmHost", "Name", NameKind::Host},
+    {"SolarisZone", "Name", NameKind::Host},
+    {"", "ZonePath", NameKind::Folder},
     {"", "DomainName", NameKind::Domain},
     {"", "Suffix", NameKind::Domain},
     {"", "Owner", NameKind::User},
@@ -38,6 +43,7 @@ constexpr NameField NAME_FIELDS[] = {
     {"", "VmName", NameKind::Machine},
     {"", "DataStore", NameKind::Store},
     {"", "DataStoreName", NameKind::Store},
+    {"", "ToolPath", NameKind::Store},
     {"", "Folder", NameKind::Folder},
     {"", "ResourcePool", NameKind::Pool},
     {"VmwareProfileOptions", "Network", NameKind::Network},
@@ -45,8 +51,24 @@ constexpr NameField NAME_FIELDS[] = {
     {"", "ESXCluster", NameKind::Cluster},
     {"", "ClusterName", NameKind::Cluster},
     {"ClusterGroup", "Name", NameKind::Cluster},
+    {"ClusterResource", "Name", NameKind::Name},
+    {"", "ResourceName", NameKind::Name},
+    {"DiskGroup", "Name", NameKind::Name},
+    {"", "MoveDgName", NameKind::Name},
+    {"SharedVolumeGroup", "Name", NameKind::Name},
+    {"ZfsStoragePool", "Name", NameKind::Name},
+    {"WindowsStoragePool", "FriendlyName", NameKind::Name},
+    {"WindowsVirtualDisk", "FriendlyName", NameKind::Name},
+    {"", "Policy", NameKind::Name},
+    {"Srt", "Name", NameKind::Name},
+    {"", "SrtName", NameKind::Name},
+    {"Wfp", "Name", NameKind::Name},
+    {"", "WfpName", NameKind::Name},
+    {"", "DiscoverName", NameKind::Name},
     {"", "ProfileName", NameKind::Profile},
     {"", "SerialNumber", NameKind::Serial},
+    {"", "KeyValue", NameKind::Serial},
+    {"", "MacAddress", NameKind::Serial}, // of figures alone, it looks like any number
     {"", "QuvmHostId", NameKind::Serial},
     {"", "Sid", NameKind::Serial},
 };
@@ -69,11 +91,6 @@ constexpr struct {
     {"SystemSerialNumber", NameKind::Serial},
 };
 
-bool isText(const std::vector<unsigned char>& bytes) {
-    return std::ranges::all_of(
-        bytes, [](unsigned char c) { return c >= ' ' || c == '\t' || c == '\n' || c == '\r'; });
-}
-
 template <class Visit>
 void forEachField(CZor& rows, const Visit& visit) {
     for (const VectorDescriptor& vector : allVectors())
@@ -90,21 +107,20 @@ void learnRegistryValue(const TableDescriptor& table, const BaseTable& row, Mask
             mask.learn(kind, row.*table.find("Value")->text);
 }
 
-void maskBytes(std::vector<unsigned char>& bytes, Mask& mask) {
-    if (!isText(bytes))
-        return bytes.clear();
-    const std::string text =
-        mask.masked(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
-    bytes.assign(text.begin(), text.end());
-}
-
 } // namespace
 
 std::optional<NameKind> kindOfField(std::string_view table, std::string_view field) {
+    const TableDescriptor* const descriptor = findTable(table);
+    const std::string_view base = descriptor && descriptor->base ? descriptor->base->name : "";
     for (const NameField& row : NAME_FIELDS)
-        if (row.field == field && (row.table.empty() || row.table == table))
+        if (row.field == field && (row.table.empty() || row.table == table || row.table == base))
             return row.kind;
     return std::nullopt;
+}
+
+bool readRows(const std::string& document, CZor& rows) {
+    std::string copy = document;
+    return rows.readXml(reinterpret_cast<unsigned char*>(copy.data()), static_cast<int>(copy.size())) == 0;
 }
 
 void learnRows(CZor& rows, Mask& mask) {
@@ -114,13 +130,10 @@ void learnRows(CZor& rows, Mask& mask) {
         const std::string& text = row.*field.text;
         if (const auto kind = kindOfField(table.name, field.name))
             mask.learn(*kind, text);
-        // Network cards are written with and without signs between their digits.
-        else if (std::string_view(field.name) == "MacAddress" && text.find_first_of(":-") == text.npos)
-            mask.learn(NameKind::Serial, text);
         else if (std::string_view(table.name) == "RegistryValue" && std::string_view(field.name) == "Value")
             learnRegistryValue(table, row, mask);
         else
-            mask.survey(text);
+            mask.survey(toUtf8(text));
     });
 }
 
@@ -128,12 +141,25 @@ void maskRows(CZor& rows, Mask& mask) {
     forEachField(rows, [&](const TableDescriptor&, const Field& field, BaseTable& row) {
         if (field.kind == FieldKind::Ipv4)
             row.*field.uint32 = mask.masked(row.*field.uint32);
-        else if (field.kind == FieldKind::Binary)
-            maskBytes(row.*field.binary, mask);
         // "7.6.0.4" may be a version or an address.
         else if (field.kind == FieldKind::Text && !std::string_view(field.name).ends_with("Version"))
-            row.*field.text = mask.masked(std::string_view(row.*field.text));
+            row.*field.text = ZorDbToMbsCommon(mask.masked(toUtf8(row.*field.text)));
     });
+}
+
+std::string withoutContents(std::string document) {
+    CZor rows;
+    if (!readRows(document, rows))
+        return document;
+    forEachField(rows, [](const TableDescriptor& table, const Field& field, BaseTable& row) {
+        if (field.kind == FieldKind::Binary)
+            (row.*field.binary).clear();
+        else if (std::string_view(table.name) == "FileContent" && field.kind == FieldKind::Int32)
+            row.*field.int32 = 0;
+        else if (std::string_view(table.name) == "FileContent" && field.kind == FieldKind::UInt32)
+            row.*field.uint32 = 0;
+    });
+    return documentText(rows);
 }
 
 } // namespace Zorvane

@@ -5,19 +5,26 @@
 #include "bundle/Mask.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace Zorvane {
 
 class CZor;
 
-/// What a text field names; nothing for one that names nothing of a site. Fields that are called "Name" are
-/// names of hosts and the like in few tables only.
+/// What a text field names, by the table's name and its own; nothing for one that names nothing of a site.
+/// Fields that are called "Name" are names of hosts and the like in few tables only.
 std::optional<NameKind> kindOfField(std::string_view table, std::string_view field);
 
+/// Reads a document; false if it is none.
+bool readRows(const std::string& document, CZor& rows);
+
 void learnRows(CZor& rows, Mask& mask);
-/// Masks the texts and the addresses of all rows. Of the contents of files, those that are no text go: names
-/// in them can't be found.
+/// Masks the texts and the addresses of all rows.
 void maskRows(CZor& rows, Mask& mask);
+
+/// The document without the contents of files, among which are those that hold passwords; their sizes are 0
+/// then. What is no document stays.
+std::string withoutContents(std::string document);
 
 } // namespace Zorvane

@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bundle/documentNames.h"
 #include "bundle/maskedForms.h"
+#include "bundle/utf8.h"
 #include "logging/CZorLog.h"
-#include "logging/getMessage.h"
 
 #include <algorithm>
 #include <cctype>
-#include <optional>
 #include <utility>
-#include <vector>
 
 namespace Zorvane {
 
 namespace {
 
 constexpr auto NPOS = std::string_view::npos;
+// Of a line: more than names take, and a bound on what a line without an end does.
+constexpr std::size_t LONGEST_REST = 2048;
 
 struct Marker {
     std::string_view before;
@@ -22,7 +22,8 @@ struct Marker {
     std::string_view end; ///< "," is a comma with a blank behind it
 };
 
-// The trace's keys, commands to the backup catalogue, and elements of the request daemon's answers.
+// The trace's keys and sentences, commands to the backup catalogue, and elements of the request daemon's
+// answers.
 constexpr Marker MARKERS[] = {
     {"client=", NameKind::Client, ","},
     {"clientName=", NameKind::Client, ","},
@@ -32,105 +33,138 @@ constexpr Marker MARKERS[] = {
     {"proxy=", NameKind::Host, ","},
     {"master=", NameKind::Host, ","},
     {"esxMount=", NameKind::Host, ","},
+    {"on server ", NameKind::Host, " "},
+    {"from server ", NameKind::Host, " "},
+    {"to host ", NameKind::Host, " "},
+    {"Invalid Esx server:", NameKind::Host, ","},
+    {"selected for restore:", NameKind::Name, ","},
+    {"delete VeProfile:", NameKind::Profile, ","},
     {"profileName=", NameKind::Profile, ","},
+    {"configName=", NameKind::Name, ","},
+    {"config=,", NameKind::Name, ","},
+    {"configuration file=", NameKind::Folder, ","},
+    {"path=", NameKind::Folder, ","},
+    {"veconfig file ", NameKind::Folder, ","},
     {", name=", NameKind::Name, ","},
     {"ObjName=", NameKind::Store, " freeMem="},
+    {"PolicyName= ", NameKind::Name, " "},
     {" -client ", NameKind::Client, " "},
-    {" -C ", NameKind::Client, " "},
+    {" -policy ", NameKind::Name, " "},
+    {" -k ", NameKind::Name, " "},
+    {"kvnlist -E -C ", NameKind::Client, " "},
     {" Name=\"", NameKind::Name, "\""},
     {" Path=\"", NameKind::Folder, "\""},
     {"<Name>", NameKind::Name, "<"},
     {"<Path>", NameKind::Folder, "<"},
 };
 
-// Up to the end that the marker tells, or that of the line.
-std::string_view valueAt(std::string_view text, std::string_view end) {
-    const std::size_t line = text.find('\n');
-    text = text.substr(0, line);
-    const std::size_t at = text.find(end == "," ? ", " : end);
-    text = text.substr(0, at);
-    return text.substr(0, text.find("\\n"));
+// Options of zorb2v whose value names more than just anything, by what they begin with.
+constexpr std::pair<std::string_view, NameKind> OPTIONS[] = {
+    {"-C", NameKind::Client}, {"-S", NameKind::Host},      {"-vms", NameKind::Host},
+    {"-vmp", NameKind::Host}, {"-vep", NameKind::Profile}, {"-vec", NameKind::Folder},
+};
+
+std::string fromXml(std::string text) {
+    for (const auto& [entity, sign] :
+         {std::pair("&lt;", "<"), {"&gt;", ">"}, {"&quot;", "\""}, {"&apos;", "'"}, {"&amp;", "&"}})
+        text = replaced(std::move(text), entity, sign);
+    return text;
 }
 
-std::string_view valueOf(const Marker& marker, std::string_view text) {
-    const std::string_view value = valueAt(text, marker.end);
-    const bool isHost = marker.kind == NameKind::Host || marker.kind == NameKind::Client;
-    return isHost ? value.substr(0, value.find_first_of(" ,")) : value;
+// Calls with what stands behind each place of a text, up to the end of its line.
+template <class Visit>
+void eachBehind(std::string_view text, std::string_view before, const Visit& visit) {
+    for (std::size_t at = text.find(before); at != NPOS; at = text.find(before, at + 1)) {
+        // "client=" is not to be found in "noclient=".
+        const bool isWhole = at == 0 || !std::isalnum(static_cast<unsigned char>(before.front())) ||
+                             !std::isalnum(static_cast<unsigned char>(text[at - 1]));
+        const std::string_view rest = text.substr(at + before.size(), LONGEST_REST);
+        if (isWhole)
+            visit(rest.substr(0, rest.find('\n')));
+    }
 }
 
 void learnMarked(std::string_view text, Mask& mask) {
-    std::vector<std::pair<std::string_view, NameKind>> names;
     for (const Marker& marker : MARKERS)
-        for (std::size_t at = text.find(marker.before); at != NPOS; at = text.find(marker.before, at + 1)) {
-            // "client=" is not to be found in "noclient=".
-            const bool isWhole = at == 0 || marker.before.front() == ' ' ||
-                                 !std::isalnum(static_cast<unsigned char>(text[at - 1]));
-            if (isWhole)
-                names.emplace_back(valueOf(marker, text.substr(at + marker.before.size())), marker.kind);
+        eachBehind(text, marker.before, [&](std::string_view line) {
+            std::string_view value = line.substr(0, line.find(marker.end == "," ? ", " : marker.end));
+            value = value.substr(0, value.find("\\n"));
+            const bool isHost = marker.kind == NameKind::Host || marker.kind == NameKind::Client;
+            mask.learn(marker.kind,
+                       fromXml(std::string(isHost ? value.substr(0, value.find_first_of(" ,:")) : value)));
+        });
+}
+
+// "zorb2v -C alpha -config before update -vmpo": what stands behind an option, up to the next.
+void learnCommandLines(std::string_view text, Mask& mask) {
+    eachBehind(text, "Command line: ", [&](std::string_view line) {
+        for (std::size_t at = line.find(" -"); at != NPOS; at = line.find(" -", at + 1)) {
+            const std::string_view option = line.substr(at + 1, line.find(" -", at + 1) - at - 1);
+            const std::size_t blank = option.find(' ');
+            if (blank == NPOS)
+                continue;
+            NameKind kind = NameKind::Name;
+            for (const auto& [beginning, named] : OPTIONS)
+                if (option.starts_with(beginning))
+                    kind = named;
+            mask.learn(kind, option.substr(blank + 1));
         }
-    // Some lines run on behind a name without a blank; elsewhere it stands by itself, and is shorter there.
-    std::ranges::stable_sort(names, {}, [](const auto& name) { return name.first.size(); });
-    for (const auto& [name, kind] : names)
-        mask.learn(kind, name);
+    });
 }
 
-// "lower(ZorDba.ZOR_Config.ClientName) = lower('alpha')"
+// "lower(ZorDba.ZOR_Config.ClientName) = lower('alpha')", where '' is a ' of the name
 void learnConditions(std::string_view text, Mask& mask) {
-    constexpr std::string_view PREFIX = "ZorDba.ZOR_";
-    for (std::size_t at = text.find(PREFIX); at != NPOS; at = text.find(PREFIX, at + 1)) {
-        const std::string_view column = text.substr(at + PREFIX.size(), 400);
-        const std::size_t dot = column.find('.'), end = column.find_first_of(" )=,");
-        const std::size_t quote = column.find('\'');
+    eachBehind(text, "ZorDba.ZOR_", [&](std::string_view line) {
+        const std::size_t dot = line.find('.'), end = line.find_first_of(" )=,"), quote = line.find('\'');
         if (dot == NPOS || end == NPOS || quote == NPOS || dot > end || quote > end + 16)
-            continue;
-        const auto kind = kindOfField(column.substr(0, dot), column.substr(dot + 1, end - dot - 1));
-        const std::string_view value = column.substr(quote + 1);
-        if (kind)
-            mask.learn(*kind, value.substr(0, value.find('\'')));
-    }
+            return;
+        std::size_t last = line.find('\'', quote + 1);
+        while (last != NPOS && line.substr(last + 1).starts_with('\''))
+            last = line.find('\'', last + 2);
+        if (const auto kind = kindOfField(line.substr(0, dot), line.substr(dot + 1, end - dot - 1)))
+            mask.learn(*kind, replaced(std::string(line.substr(quote + 1, last - quote - 1)), "''", "'"));
+    });
 }
 
-// What the first argument of a message of the command names.
-constexpr std::pair<std::uint64_t, NameKind> MESSAGES[] = {
-    {14, NameKind::Client},     {19, NameKind::Profile}, {21, NameKind::Host}, {22, NameKind::Host},
-    {23, NameKind::DataCenter}, {24, NameKind::Folder},  {25, NameKind::Pool}, {27, NameKind::Network},
-    {28, NameKind::Store},      {29, NameKind::Cluster}, {30, NameKind::Host},
-};
-
-// What stands in front of a message's first argument and behind it, in the language of the process.
-std::pair<std::string, std::string> aroundArgument(std::uint64_t number) {
-    constexpr std::string_view ARGUMENT = "@@argument@@";
-    const std::vector<std::string> arguments(2, std::string(ARGUMENT));
-    try {
-        const std::string text = getMessage(ZOR_COMMAND_ORIGINATOR, number, arguments);
-        const std::size_t at = text.find(ARGUMENT);
-        if (at != NPOS)
-            return {text.substr(0, at), text.substr(at + ARGUMENT.size(), 1)};
-    } catch (const CatalogFailure&) {
-        // Without a catalogue the log has no such text either.
-    }
-    return {};
-}
-
-// "... app 2 - [433:14] text"
+// "... app 2 - [433:14] text": in all languages a message has quotes around the names that it is given.
 void learnMessages(std::string_view text, Mask& mask) {
-    for (const auto& [number, kind] : MESSAGES) {
-        const auto [before, behind] = aroundArgument(number);
-        const std::string mark =
-            "[" + std::to_string(ZOR_COMMAND_ORIGINATOR) + ":" + std::to_string(number) + "] " + before;
-        if (behind.empty())
-            continue;
-        for (std::size_t at = text.find(mark); at != NPOS; at = text.find(mark, at + 1))
-            mask.learn(kind, valueAt(text.substr(at + mark.size()), behind));
-    }
+    eachBehind(text, " - [" + std::to_string(ZOR_COMMAND_ORIGINATOR) + ":", [&](std::string_view line) {
+        for (const auto& [open, close] :
+             {std::pair<std::string_view, std::string_view>("\"", "\""), {"「", "」"}})
+            for (std::size_t begin = line.find(open); begin != NPOS;) {
+                const std::size_t end = line.find(close, begin + open.size());
+                if (end == NPOS)
+                    break;
+                mask.learn(NameKind::Name, line.substr(begin + open.size(), end - begin - open.size()));
+                begin = line.find(open, end + close.size());
+            }
+    });
+}
+
+// "kvnrd	listing 11	server	proxy, object	0" of the lab's list of requests
+void learnListings(std::string_view text, Mask& mask) {
+    eachBehind(text, "kvnrd\tlisting ", [&](std::string_view line) {
+        line.remove_prefix(std::min(line.find('\t'), line.size()));
+        for (std::string_view field; !line.empty();
+             line.remove_prefix(std::min(field.size() + 1, line.size()))) {
+            field = line.substr(0, line.find_first_of("\t,"));
+            mask.learn(NameKind::Name, field);
+        }
+    });
 }
 
 } // namespace
 
+std::string readableLog(std::string text) {
+    return replaced(std::move(text), "and config=,", " and config=,");
+}
+
 void learnFromLog(std::string_view text, Mask& mask) {
+    learnCommandLines(text, mask);
     learnConditions(text, mask);
     learnMarked(text, mask);
     learnMessages(text, mask);
+    learnListings(text, mask);
 }
 
 } // namespace Zorvane

@@ -2,16 +2,16 @@
 #include "bundle/machineFacts.h"
 
 #include "bundle/Bundle.h"
+#include "bundle/utf8.h"
 #include "platform/hostRoot.h"
 #include "suite/kvnclient.h"
 
 #include <array>
-#include <clocale>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 #include <gnu/libc-version.h>
-#include <langinfo.h>
 #include <link.h>
 #include <nlohmann/json.hpp>
 #include <pwd.h>
@@ -24,6 +24,9 @@ namespace Zorvane {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+constexpr const char* VARIABLES[] = {"KVN_CONF",    "NO_COLOR", "TERM", "LC_ALL",
+                                     "LC_MESSAGES", "LC_CTYPE", "LANG"};
 
 // The lines of the release file that name it; PRETTY_NAME="..." and the like.
 Json operatingSystem() {
@@ -68,8 +71,7 @@ std::string userName(Mask& mask) {
 
 } // namespace
 
-void addMachineFacts(Bundle& bundle, const std::vector<std::pair<std::string, std::string>>& libraries,
-                     const std::vector<std::string>& variables) {
+void addMachineFacts(Bundle& bundle, const std::vector<std::pair<std::string, std::string>>& libraries) {
     kvn_uname_info host;
     getUnameInfoData(host);
     bundle.mask().learn(NameKind::Host, host.node);
@@ -82,10 +84,13 @@ void addMachineFacts(Bundle& bundle, const std::vector<std::pair<std::string, st
     for (const auto& [name, version] : libraries)
         versions[name] = version;
     Json environment = Json::object();
-    for (const std::string& name : variables) {
-        const char* value = ::secure_getenv(name.c_str());
+    for (const char* name : VARIABLES) {
+        const char* value = ::secure_getenv(name);
         environment[name] = value ? Json(value) : Json();
+        if (value) // of a file
+            bundle.mask().learn(NameKind::Folder, std::filesystem::path(value).parent_path().string());
     }
+    const EnvironmentLocale& locale = environmentLocale();
     const Json facts = {
         {"program", {{"name", bundle.options().program}, {"version", bundle.options().version}}},
         {"libraries", versions},
@@ -94,7 +99,7 @@ void addMachineFacts(Bundle& bundle, const std::vector<std::pair<std::string, st
         {"kernel", {{"system", host.system}, {"release", host.release}, {"machine", host.machine}}},
         {"host", host.node},
         {"user", {{"name", userName(bundle.mask())}, {"id", ::geteuid()}}},
-        {"locale", {{"name", std::setlocale(LC_ALL, nullptr)}, {"codeSet", ::nl_langinfo(CODESET)}}},
+        {"locale", {{"name", locale.name.empty() ? Json() : Json(locale.name)}, {"codeSet", locale.codeSet}}},
         {"environment", environment},
     };
     bundle.add("machine.json", "versions, operating system, locale, and the environment that counts",

@@ -11,9 +11,8 @@ namespace Zorvane {
 class Bundle;
 
 /// Adds the member machine.json: the program's version and those of its libraries, the operating system, the
-/// kernel, the locale, the user, and the variables of the environment that the program goes by. `libraries`
+/// kernel, the locale, the user, and the variables of the environment that the programs go by. `libraries`
 /// are those that the program links beside the shared code's.
-void addMachineFacts(Bundle& bundle, const std::vector<std::pair<std::string, std::string>>& libraries,
-                     const std::vector<std::string>& variables);
+void addMachineFacts(Bundle& bundle, const std::vector<std::pair<std::string, std::string>>& libraries);
 
 } // namespace Zorvane

@@ -2,6 +2,7 @@
 #include "bundle/siteFacts.h"
 
 #include "bundle/Bundle.h"
+#include "bundle/tomlFiles.h"
 #include "bundle/withinLimit.h"
 #include "logging/CZorLog.h"
 #include "suite/configuration.h"
@@ -73,36 +74,12 @@ std::vector<std::string> serverNames(const kvn_master_config& master) {
     return names;
 }
 
-void learnServers(Mask& mask, const kvn_master_config& master) {
-    for (const std::string& name : serverNames(master))
-        mask.learn(NameKind::Host, name);
-    mask.learn(NameKind::Host, master.required_interface);
-}
-
-// "password = ..." becomes "password = (left out)". The suite keeps no secrets in the file; a hand may have.
-std::string withoutSecrets(const std::string& text) {
-    static constexpr std::array words = {"passw", "secret", "token", "credential", "private"};
-    std::string out;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
-        std::string line = text.substr(at, end - at);
-        const std::size_t equals = line.find('=');
-        std::string key = line.substr(0, std::min(equals, line.size()));
-        std::ranges::transform(key, key.begin(), [](unsigned char c) { return std::tolower(c); });
-        if (equals != line.npos &&
-            std::ranges::any_of(words, [&](const char* word) { return key.find(word) != key.npos; }))
-            line = line.substr(0, equals) + "= \"(left out)\"\n";
-        out += line;
-        at = end;
-    }
-    return out;
-}
-
 Json configurationInForce(const Suite::Configuration& site) {
     const auto levels = [](const Suite::Levels& of) { return Json{{"debug", of.debug}, {"diag", of.diag}}; };
     Json services = Json::object();
-    for (const auto& [name, port] : site.services)
-        services[name] = port;
+    for (const auto& [name, isNeeded] : SERVICES)
+        if (const auto port = site.services.find(name); port != site.services.end())
+            services[name] = port->second;
     constexpr std::array modes = {"required", "allowed", "prohibited"};
     return {
         {"file", Suite::configurationPath()},
@@ -127,12 +104,13 @@ Json configurationInForce(const Suite::Configuration& site) {
 } // namespace
 
 void addConfigurationFile(Bundle& bundle, const std::string& file) {
-    bundle.addFile("site/kvn.toml", "the suite's configuration file", Form::Toml, file, &withoutSecrets);
+    bundle.mask().learn(NameKind::Folder, file.substr(0, file.rfind('/') + 1));
+    bundle.addFile("site/kvn.toml", "the keys of the suite's configuration file that the suite knows",
+                   Form::Toml, file, &knownConfiguration);
 }
 
 void addSite(Bundle& bundle) {
     const Suite::Configuration& site = Suite::configuration();
-    learnServers(bundle.mask(), site.master);
     addConfigurationFile(bundle, Suite::configurationPath());
     bundle.add("site/configuration.json", "the configuration in force, and the file that it comes from",
                Form::Json, jsonText(configurationInForce(site)));
@@ -164,7 +142,7 @@ void addServers(Bundle& bundle, std::chrono::seconds limit) {
                             {"result", outcome.text},
                             {"milliseconds", took.count()}});
         if (!outcome.isDone && isNeeded)
-            bundle.miss(std::string("service ") + service + " on " + host, outcome.text, true);
+            bundle.miss(std::string("service ") + service + " of the master server", outcome.text, true);
     }
     bundle.add("site/servers.json",
                "what the servers' names resolve to, and whether the services take connections", Form::Json,

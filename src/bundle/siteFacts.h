@@ -9,7 +9,7 @@ namespace Zorvane {
 
 class Bundle;
 
-/// Adds a configuration file (site/kvn.toml). Values of keys that sound like secrets are left out.
+/// Adds a configuration file (site/kvn.toml) with the keys that the suite knows: others may be secrets.
 void addConfigurationFile(Bundle& bundle, const std::string& file);
 /// Adds the configuration in force, where it came from, and the last lines of the logs of both originators.
 void addSite(Bundle& bundle);

@@ -7,8 +7,7 @@
 #include "platform/returnCodes.h"
 #include "resources/CB2VResource.h"
 #include "resources/clientConfiguration.h"
-
-#include <iostream>
+#include "suite/terminal.h"
 
 namespace Zorvane {
 
@@ -24,7 +23,7 @@ void tell(const FirstFinding& refusal, std::vector<std::string> arguments = {}) 
 }
 
 void showError(const CB2VResource& resource) {
-    std::cerr << resource.getError() << std::endl;
+    Suite::writeTerminal(stderr, resource.getError() + "\n");
 }
 
 } // namespace

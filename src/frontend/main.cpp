@@ -2,6 +2,7 @@
 #include "frontend/zorPreMain.h"
 #include "frontend/zorb2v.h"
 #include "logging/CZorLog.h"
+#include "platform/standardDescriptors.h"
 
 #include <new>
 
@@ -10,6 +11,7 @@
 int main(int argc, char** argv) {
     // First of all, so that the log files are subject to it.
     umask(S_IWGRP | S_IWOTH);
+    Zorvane::OccupyStandardDescriptors();
     std::set_new_handler(Zorvane::zorNewHandler);
     return Zorvane::ZorPreMain(argc, argv, Zorvane::ZOR_PRODUCT_ID, Zorvane::ZOR_COMMAND_ORIGINATOR,
                                Zorvane::zormain);

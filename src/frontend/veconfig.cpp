@@ -7,8 +7,12 @@
 #include "platform/stringManipulation.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <sstream>
+#include <utility>
 
 namespace Zorvane {
 
@@ -121,21 +125,37 @@ int takeLine(Reading& reading, const std::string& line) {
     return takeValue(reading, tokens[0], tokens[1].starts_with('"') ? withoutQuotes(tokens[1]) : tokens[1]);
 }
 
+// A target is a page or two; the bound keeps a device without an end out.
+constexpr std::size_t MAX_FILE_SIZE = 64 << 20;
+
+// The whole file, or nothing: half a target is another target.
+std::optional<std::string> readFile(const std::string& path) {
+    std::error_code ignored;
+    // A folder opens like a file and then reads as an empty one.
+    if (std::filesystem::is_directory(path, ignored))
+        return std::nullopt;
+    std::ifstream file(path);
+    std::string text;
+    do {
+        std::array<char, 8192> piece;
+        file.read(piece.data(), piece.size());
+        text.append(piece.data(), static_cast<std::size_t>(file.gcount()));
+    } while (file && text.size() <= MAX_FILE_SIZE);
+    return file.eof() && !file.bad() ? std::optional(std::move(text)) : std::nullopt;
+}
+
 } // namespace
 
 int parseVEconfig(const std::string& path, B2VInput& input, Findings& findings, VEconfigLines* lines) {
     ClassTrace trace(g_appLog, "veconfig:parseVEconfig()", ", path=", path);
-    std::error_code ignored;
-    std::ifstream file;
-    // A folder opens like a file and then reads as an empty one.
-    if (!std::filesystem::is_directory(path, ignored))
-        file.open(path);
-    if (!file.is_open()) {
+    const std::optional<std::string> text = readFile(path);
+    if (!text) {
         findings.report({.kind = FindingKind::FILE_NOT_OPENED, .value = path});
         trace.write(LEVEL_FAILURE, "Cannot open veconfig file ", path);
         return trace.leave(ZOR_FAIL, " return=ZOR_FAIL");
     }
     Reading reading{.trace = trace, .input = input, .findings = findings};
+    std::istringstream file(*text);
     for (std::string line; std::getline(file, line);) {
         ++reading.line;
         line = StripTrailingChar(line, '\n');

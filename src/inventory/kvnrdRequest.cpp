@@ -26,8 +26,9 @@ constexpr std::string_view EXIT_LINE = "EXIT STATUS";
 // The largest statuses that have a text, and that a caller gets to see.
 constexpr int MAX_KNOWN_STATUS = 254;
 
-// A daemon that never stops sending would take all memory. The largest sites send some tens of megabytes.
-constexpr std::size_t MAX_REPLY_SIZE = std::size_t{256} << 20;
+// A daemon that never stops sending would take all memory: of the shortest elements, a reply's tree takes some
+// sixty times its size. The largest sites send some tens of megabytes.
+constexpr std::size_t MAX_REPLY_SIZE = std::size_t{64} << 20;
 
 class Conversation {
   public:

@@ -17,7 +17,8 @@ constexpr std::array tableGetters = std::to_array<const TableDescriptor& (*)()>(
 #include "model/records/end.inc"
 });
 
-// The number of fields of each table, the base's included.
+// The number of fields of each table, the base's included. The macros are terms of a sum.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define TABLE(T) constexpr std::size_t fieldsOf##T = 0
 #define END_TABLE(T) ;
 #define KEY(F) +1
@@ -36,6 +37,7 @@ constexpr std::size_t fieldCount = 0
 #include "model/records/all.def"
 #include "model/records/end.inc"
     ;
+// NOLINTEND(bugprone-macro-parentheses)
 // clang-format on
 
 static_assert(tableGetters.size() == 246);
@@ -70,6 +72,7 @@ std::string TableDescriptor::column(const Field& field) const {
 std::span<const TableDescriptor* const> allTables() {
     static const auto& tables = *new std::vector<const TableDescriptor*>([] {
         std::vector<const TableDescriptor*> made;
+        made.reserve(tableGetters.size());
         for (const auto getter : tableGetters)
             made.push_back(&getter());
         return made;

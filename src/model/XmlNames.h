@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <unordered_map>
 
 namespace Zorvane {
@@ -32,6 +33,8 @@ class XmlNames {
         m_last = next;
         return next->meaning;
     }
+
+    [[nodiscard]] std::size_t size() const { return m_entries.size(); }
 
     void clear() {
         m_entries.clear();

@@ -6,6 +6,8 @@
 #include "model/treeMemory.h"
 #include "model/xmlText.h"
 
+#include <new>
+
 #include <xercesc/util/XMLUni.hpp>
 
 namespace Zorvane {
@@ -51,6 +53,17 @@ void createDocument(XmlParserImpl& impl) {
 void logXmlException(Trace& trace, const XMLException& exception) {
     trace.write(LEVEL_FAILURE, "Caught unexpected error on line= ", exception.getSrcLine(),
                 " error msg: ", textOf(exception.getMessage()));
+}
+
+// Of the exception that is being handled.
+bool isLackOfMemory() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return true;
+    } catch (...) {
+        return false;
+    }
 }
 
 } // namespace
@@ -139,6 +152,7 @@ int XmlParser::parse(const unsigned char* inBuffer, int bufferLen) {
                     " error msg: ", textOf(exception.getMessage()));
         rc = XML_DOM_FAILURE;
     } catch (...) {
+        m_lackedMemory = isLackOfMemory();
         trace.write(LEVEL_FAILURE, "Exiting, Caught unexpected error, the document could not be parsed.");
         rc = XML_NOT_WELL_FORMED;
     }
@@ -179,6 +193,7 @@ int XmlParser::write() {
         impl->m_pParser.reset();
         rc = XML_DOM_FAILURE;
     } catch (...) {
+        m_lackedMemory = isLackOfMemory();
         trace.write(LEVEL_FAILURE, "Caught wierd exception Here at line, ", __LINE__);
         rc = 1;
     }

@@ -30,9 +30,18 @@ enum XmlResult : int {
 /// a document recurse, so that a document without a bound could exhaust the stack.
 inline constexpr unsigned XML_MAX_DEPTH = 512;
 /// The longest document that is read, in bytes. The largest sites send some tens of megabytes, a million rows
-/// are half of this; a tree takes some ten times its document, so that one without a bound could exhaust the
-/// memory of the machine.
+/// are half of this.
 inline constexpr int XML_MAX_LENGTH = 1 << 30;
+/// The most elements, comments and instructions: half as many again as a million rows have. What a tree takes
+/// goes by them, some 250 bytes for an element however short it is.
+inline constexpr std::size_t XML_MAX_NODES = std::size_t{1} << 24;
+/// The most attributes of an element, different names of elements and of attributes, and declarations of
+/// namespaces that hold in a place. The library compares each with all the others: without a bound, a document
+/// of a megabyte could keep it busy for hours. Our documents have one attribute, two thousand names and one
+/// namespace at most.
+inline constexpr std::size_t XML_MAX_ATTRIBUTES = 256;
+inline constexpr std::size_t XML_MAX_NAMES = 10'000;
+inline constexpr std::size_t XML_MAX_NAMESPACES = 64;
 
 /// A node of a parsed document: what the cursors point at. Opaque, and owned by the parser.
 struct XmlNode;
@@ -60,6 +69,8 @@ class XmlParser {
 
     /// Parses another buffer into this object; 0, 1 or a code of XmlResult.
     int parse(const unsigned char* inBuffer, int bufferLen);
+    /// True if memory was lacking for a document, however good it is.
+    [[nodiscard]] bool lackedMemory() const { return m_lackedMemory; }
 
     // --- Building. 0 on success; 1, or 9999 where the value is wide or binary.
 
@@ -160,6 +171,7 @@ class XmlParser {
     bool isWritable();
 
     std::unique_ptr<XmlParserImpl> m_pXmlParserImpl;
+    bool m_lackedMemory = false;
 };
 
 } // namespace Zorvane

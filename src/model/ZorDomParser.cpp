@@ -35,7 +35,7 @@ void log(mrthLogDebugLevel_t level, const char* label, const char* what, const s
 [[noreturn]] void refuse(const char* reason) {
     log(LEVEL_FAILURE, "XmlParser:ZorXmlErrorHandler::fatalError()",
         "ErrorHandler- fatalError message: ", reason);
-    throw FATAL_ERROR;
+    throw FATAL_ERROR; // NOLINT(cert-err09-cpp,cert-err61-cpp): a text is what the parser's users catch
 }
 
 // The walk over a document passes over the texts between records and between their fields.
@@ -85,6 +85,38 @@ bool startsWithItsRoot(std::string_view text) {
     return text.size() > 1 && text[0] == '<' && startsName(text[1]);
 }
 
+// How many attributes the tag at the front of a text has at most: the equals signs outside of its values.
+std::size_t attributesOf(std::string_view tag) {
+    std::size_t count = 0;
+    char quote = 0;
+    for (const char c : tag) {
+        if (quote != 0)
+            quote = c == quote ? '\0' : quote;
+        else if (c == '>')
+            break;
+        else if (c == '"' || c == '\'')
+            quote = c;
+        else
+            count += c == '=' ? 1 : 0;
+    }
+    return count;
+}
+
+// Whether an element has too many attributes, which the library would tell only after hours. No tag has
+// another one's start in it, so that a short one needs no look; text that is long and looks like such a tag
+// stands in no document.
+bool hasTooManyAttributes(std::string_view text) {
+    constexpr std::size_t shortest = 5 * XML_MAX_ATTRIBUTES; // ` a=""`
+    for (std::size_t tag = text.find('<'); tag != text.npos;) {
+        const std::size_t next = text.find('<', tag + 1);
+        const std::string_view rest = text.substr(tag, next == text.npos ? next : next - tag);
+        if (rest.size() > shortest && attributesOf(rest) > XML_MAX_ATTRIBUTES)
+            return true;
+        tag = next;
+    }
+    return false;
+}
+
 } // namespace
 
 void ZorXmlErrorHandler::warning(const xercesc::SAXParseException& exception) {
@@ -119,10 +151,15 @@ ZorDomParser::ZorDomParser() : XercesDOMParser(nullptr, &treeMemory()) {
 void ZorDomParser::parseDocument(std::span<const unsigned char> bytes) {
     using namespace xercesc;
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (hasTooManyAttributes(text))
+        refuse("an element has too many attributes");
     useScanner(startsWithItsRoot(text) ? XMLUni::fgWFXMLScanner : XMLUni::fgIGXMLScanner);
     // The library wants every source to have a name; this one is read by nobody.
     const std::string id = "fakeID" + std::to_string(std::time(nullptr)) + "\n";
     m_models.clear();
+    m_attributeNames.clear();
+    m_declarations.clear();
+    m_nodes = 0;
     m_open.clear();
     m_blanks.clear();
     m_isLarge = bytes.size() >= LARGE;
@@ -144,13 +181,17 @@ void ZorDomParser::startElement(const xercesc::XMLElementDecl& element, unsigned
                                 XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
     if (m_open.size() >= XML_MAX_DEPTH)
         refuse("the elements are nested too deep");
+    countNode();
     m_blanks.clear();
     Model& model = m_models.of(&element, [](Model&) {});
+    if (m_models.size() > XML_MAX_NAMES)
+        refuse("there are too many different names");
     if (auto* made = isRoot ? nullptr : makeLike(model, uriId, attributes, attributeCount)) {
         m_open.back().append(*made);
         fCurrentParent = fCurrentNode = made;
         m_open.emplace_back(made);
     } else {
+        countNames(attributes, attributeCount);
         XercesDOMParser::startElement(element, uriId, prefix, attributes, attributeCount, false, isRoot);
         noteAppended();
         noteModel(model, uriId, attributes, attributeCount);
@@ -166,6 +207,8 @@ void ZorDomParser::endElement(const xercesc::XMLElementDecl&, unsigned int, bool
         keepBlanks();
     m_blanks.clear();
     m_open.pop_back();
+    while (!m_declarations.empty() && m_declarations.back() >= m_open.size())
+        m_declarations.pop_back();
     fCurrentNode = fCurrentParent;
     fCurrentParent = isRoot ? static_cast<xercesc::DOMNode*>(fDocument) : m_open.back().element();
     fWithinElement = !isRoot;
@@ -203,6 +246,24 @@ void ZorDomParser::noteModel(Model& model, unsigned int uriId, const Attributes&
         model.attribute = static_cast<xercesc::DOMAttrNSImpl*>(model.element->getAttributeNode(name));
 }
 
+void ZorDomParser::countNode() {
+    if (++m_nodes > XML_MAX_NODES)
+        refuse("there are too many elements");
+}
+
+void ZorDomParser::countNames(const Attributes& attributes, XMLSize_t attributeCount) {
+    for (XMLSize_t i = 0; i < attributeCount; ++i) {
+        const std::u16string_view name = attributes.elementAt(i)->getQName();
+        m_attributeNames.emplace(name);
+        if (name.starts_with(u"xmlns"))
+            m_declarations.push_back(m_open.size());
+    }
+    if (m_attributeNames.size() > XML_MAX_NAMES)
+        refuse("there are too many different names");
+    if (m_declarations.size() > XML_MAX_NAMESPACES)
+        refuse("there are too many namespaces");
+}
+
 void ZorDomParser::noteAppended() {
     if (!m_open.empty())
         m_open.back().noteAppended();
@@ -230,12 +291,14 @@ void ZorDomParser::addText(const XMLCh* chars, XMLSize_t length, bool isCData) {
 }
 
 void ZorDomParser::docComment(const XMLCh* comment) {
+    countNode();
     keepBlanks();
     XercesDOMParser::docComment(comment);
     noteAppended();
 }
 
 void ZorDomParser::docPI(const XMLCh* target, const XMLCh* data) {
+    countNode();
     keepBlanks();
     XercesDOMParser::docPI(target, data);
     noteAppended();

@@ -4,7 +4,10 @@
 #include "model/XmlNames.h"
 #include "model/domNodes.h"
 
+#include <cstddef>
 #include <span>
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 #include <xercesc/parsers/XercesDOMParser.hpp>
@@ -22,7 +25,8 @@ class ZorXmlErrorHandler : public xercesc::ErrorHandler {
 };
 
 /// The library's parser, made safe for what a peer may send: no document type, so that no entity is ever
-/// declared, expanded or fetched, and a bound on the nesting. A breach ends the parse like any other fatal
+/// declared, expanded or fetched, and bounds on the nesting, on the number of nodes, on attributes and on
+/// names. A breach ends the parse like any other fatal
 /// error. White space that only sets records and fields apart is not kept in the tree.
 class ZorDomParser : public xercesc::XercesDOMParser {
   public:
@@ -59,12 +63,17 @@ class ZorDomParser : public xercesc::XercesDOMParser {
                                         XMLSize_t attributeCount);
     void noteModel(Model& model, unsigned int uriId, const Attributes& attributes,
                    XMLSize_t attributeCount) const;
+    void countNode();
+    void countNames(const Attributes& attributes, XMLSize_t attributeCount);
     void noteAppended();
     void addText(const XMLCh* chars, XMLSize_t length, bool isCData);
     void keepBlanks();
 
     std::vector<OpenElement> m_open; ///< the elements whose end has not come yet
     XmlNames<Model, xercesc::XMLElementDecl> m_models;
+    std::unordered_set<std::u16string> m_attributeNames; ///< of the elements that the library makes
+    std::vector<std::size_t> m_declarations; ///< of namespaces: how deep their elements stand that are open
+    std::size_t m_nodes = 0;
     bool m_isLarge = false;
     std::vector<XMLCh> m_blanks; ///< white space not yet known to be of any use
 };

@@ -52,7 +52,7 @@ struct QueryTexts {
 // answer.
 int query(CZor& zor, std::unique_ptr<CQueryRequest> row, const QueryTexts& texts, Trace& trace) {
     zor.m_vQueryRequest.push_back(row.get());
-    row.release();
+    static_cast<void>(row.release());
     Content request;
     if (const int rc = write(zor, FOR_QUERY, request)) {
         trace.write(LEVEL_FAILURE, texts.writeFailed, rc);
@@ -176,7 +176,7 @@ int CZor::transactionRequest(CZor& thingsToDelete) {
         row->setDeleteXml(document.bytes.get(), static_cast<unsigned>(document.length));
         row->setDeleteXmlSize(document.length);
         m_vTransactionRequest.push_back(row.get());
-        row.release();
+        static_cast<void>(row.release());
         if (const int rc = write(*this, FOR_TRANSACTION, document)) {
             trace.write(LEVEL_FAILURE, "writeXml for transactions failed. rc = ", rc);
             return rc;

@@ -16,6 +16,10 @@ namespace {
 // So many blocks are mapped at once: a mapping is larger than what is used of it by one block at most.
 constexpr std::size_t BLOCKS_AT_ONCE = 16;
 
+// So many are kept for the next document; of a larger one the rest is given back, since a process may live long
+// and have a limit.
+constexpr std::size_t BLOCKS_KEPT = 128;
+
 class TreeMemory final : public xercesc::MemoryManager {
   public:
     xercesc::MemoryManager* getExceptionMemoryManager() override { return this; }
@@ -43,8 +47,14 @@ class TreeMemory final : public xercesc::MemoryManager {
 
     bool giveBack(void* block) {
         const std::lock_guard lock(m_lock);
-        if (!m_blocks.contains(block))
+        const auto place = m_blocks.find(block);
+        if (place == m_blocks.end())
             return false;
+        if (m_free.size() >= BLOCKS_KEPT) {
+            m_blocks.erase(place);
+            munmap(block, TREE_BLOCK);
+            return true;
+        }
         madvise(block, TREE_BLOCK, MADV_FREE);
         m_free.push_back(block);
         return true;

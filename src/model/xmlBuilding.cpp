@@ -112,6 +112,7 @@ std::vector<XMLCh> utf16(const wchar_t* text) {
     constexpr XMLCh replacement = 0xFFFD;
     std::vector<XMLCh> units;
     for (; *text; ++text) {
+        // NOLINTNEXTLINE(bugprone-signed-char-misuse,cert-str34-c): wchar_t is taken for a char
         const auto code = static_cast<std::uint32_t>(*text);
         const bool isSurrogate = code >= 0xD800 && code < 0xE000;
         if (code >= 0x110000 || isSurrogate) {

@@ -29,12 +29,11 @@ int ValidateInput(const char* text) {
     return ValidateInput(std::string_view(orNull(text)));
 }
 
+// Not traced: it is asked for every parameter of every packet, and the text may be a secret.
 int ValidateInput(std::string_view input) {
-    FineTrace trace(g_libLog, "validateInput:ValidateInput()", ", text=", input);
     const bool refused =
         isRefused(input, '$', '(') || isRefused(input, '\\', '"') || isRefused(input, '`', '*');
-    const int rc = refused ? ZOR_ILLEGAL_TEXT : 0;
-    return trace.leave(rc, ", return rc=", rc);
+    return refused ? ZOR_ILLEGAL_TEXT : 0;
 }
 
 } // namespace Zorvane

@@ -90,6 +90,7 @@ using Conversion = std::unique_ptr<std::remove_pointer_t<iconv_t>, CloseIconv>;
 std::string convert(Trace& trace, const std::string& text, const std::string& from, const std::string& to,
                     std::size_t growth) {
     const iconv_t opened = iconv_open(to.c_str(), from.c_str());
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv's failure
     if (opened == reinterpret_cast<iconv_t>(-1)) {
         trace.write(LEVEL_FAILURE, "Call to iconv_open failed. Returning MBS string");
         return text;

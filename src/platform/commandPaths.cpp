@@ -23,7 +23,7 @@ std::string GetKvnInstallPath() {
     const std::string configured = HostPath("/usr/tarnv/kelvarion");
     std::error_code failure;
     const std::filesystem::path resolved = std::filesystem::canonical(configured, failure);
-    const std::string path = (failure ? configured : resolved.string()) + "/";
+    std::string path = (failure ? configured : resolved.string()) + "/";
     trace.exitLine(", return ", path);
     return path;
 }

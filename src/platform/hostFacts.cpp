@@ -27,7 +27,7 @@ std::string GetKernelVersion() {
     std::string output;
     if (RunForOutput(trace, "PATH=/bin:/usr/bin:/sbin:$PATH uname -r", output) != ZOR_SUCCESS)
         return {};
-    const std::string version = StripTrailing(output, "\n\r");
+    std::string version = StripTrailing(output, "\n\r");
     trace.exitLine(", version=", version);
     return version;
 }
@@ -66,7 +66,7 @@ std::string GetHostByAddrCommon(std::uint32_t address) {
     Trace trace(g_libLog, "hostFacts:GetHostByAddrCommon()", ", address=", address);
     const in_addr sought{htonl(address)};
     const hostent* const host = gethostbyaddr(&sought, sizeof sought, AF_INET);
-    const std::string name = host && host->h_name ? host->h_name : "";
+    std::string name = host && host->h_name ? host->h_name : "";
     trace.exitLine(", name=", name);
     return name;
 }

@@ -224,7 +224,8 @@ int GetSupportedReleaseId(int releaseId, int& out) {
 
 int GetSupportedOSLevel(const std::string& level, std::string& out) {
     Trace trace(g_libLog, "sVersion:GetSupportedOSLevel()", ", level=", level);
-    const std::string given = level; // `out` may be the same object
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): `out` may be the same object
+    const std::string given = level;
     if (isOldForm(given)) {
         out = given;
         return trace.leave(ZOR_SUCCESS, ", old form, return ZOR_SUCCESS");

@@ -42,6 +42,7 @@ auto inWideForm(Work work, const Texts&... texts) {
 template <class Text>
 Text folded(Text text) {
     for (auto& character : text) {
+        // NOLINTNEXTLINE(bugprone-signed-char-misuse,cert-str34-c): wchar_t is taken for a char
         const auto value = static_cast<std::make_unsigned_t<typename Text::value_type>>(character);
         if (value <= UCHAR_MAX)
             character = static_cast<typename Text::value_type>(std::tolower(static_cast<int>(value)));

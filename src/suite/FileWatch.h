@@ -18,10 +18,10 @@ namespace Zorvane::Suite {
 /// nothing.
 ///
 /// What the kernel can't tell is left to the caller, who must look at the file now and then: a write through
-/// a mapping until the writer lets go of it, and a file system mounted over a folder on the way. A file of a
-/// kind of file system on which others write unseen (the network's) is not watched at all, nor is one where
-/// the system's limits or the process's own use of the signal leave no room. One object a process; not for
-/// use by several threads.
+/// a mapping until the writer lets go of it, new permissions of a folder on the way, and a file system mounted
+/// over one. A file of a kind of file system on which others write unseen (the network's) is not watched at
+/// all, nor is one where the system's limits or the process's own use of the signal leave no room. One object
+/// a process; not for use by several threads.
 class FileWatch {
   public:
     /// The state of a file that is not watched. No watched file is ever in it.

@@ -18,7 +18,7 @@ std::int32_t setText(mrthLisAny_t* any, std::int32_t kind, const char* text) {
         return MRTH_LIS_NO_MEMORY;
     std::free(any->text);
     *any = {kind, 0, copy, 0, 0};
-    return 0;
+    return 0; // cppcheck-suppress memleak ; the cell has it
 }
 
 std::int32_t addText(mrthLisArgs_t* list, const char* text) {
@@ -60,8 +60,7 @@ std::int32_t mrthLisAddArg(mrthLisArgs_t* list, mrthLisAny_t* any) {
         return MRTH_LIS_BAD_ARGUMENT;
     if (list->count == list->capacity) {
         const std::uint32_t capacity = list->capacity == 0 ? 8 : 2 * list->capacity;
-        auto* cells =
-            static_cast<mrthLisAny_t**>(std::realloc(list->cells, capacity * sizeof(mrthLisAny_t*)));
+        auto* cells = static_cast<mrthLisAny_t**>(std::realloc(list->cells, capacity * sizeof list->cells[0]));
         if (!cells)
             return MRTH_LIS_NO_MEMORY;
         list->cells = cells;

@@ -38,6 +38,7 @@ class Catalog {
             ::catclose(m_descriptor);
     }
 
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): catopen's failure
     [[nodiscard]] bool isOpen() const { return m_descriptor != reinterpret_cast<nl_catd>(-1); }
 
     /// The message, which lives as long as the catalogue, or null.
@@ -88,6 +89,7 @@ std::optional<std::string> toNative(std::string_view text) {
     if (codeSet == "UTF-8" || std::ranges::all_of(text, [](unsigned char byte) { return byte < 0x80; }))
         return std::string(text);
     const iconv_t conversion = ::iconv_open(codeSet.data(), "UTF-8");
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv's failure
     if (conversion == reinterpret_cast<iconv_t>(-1))
         return std::nullopt;
     // The widest growth is from two bytes to four, in GB 18030.

@@ -6,19 +6,13 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <charconv>
 #include <limits>
-#include <new>
 #include <utility>
 
 namespace Zorvane::Suite {
 
 namespace {
-
-// No line of a configuration is nearly as long; a key of endless parts nests as many tables, which would
-// exhaust the stack.
-constexpr std::size_t MAX_LINE_SIZE = 4096;
 
 // Takes values out of a parsed file; those of a wrong type or out of range are told and passed over.
 class Reader {
@@ -148,69 +142,16 @@ Configuration readDocument(Reader& reader, const toml::table& root) {
     return out;
 }
 
-// The number of the first line that is longer than a configuration's line can sensibly be, or 0.
-std::size_t longLine(std::string_view text) {
-    for (std::size_t line = 1; !text.empty(); ++line) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        if (end > MAX_LINE_SIZE)
-            return line;
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return 0;
-}
-
-// The parser can't bear a lack of memory: nearly all of it is declared to throw nothing, and ends the process
-// instead. So it works with a reserve that is let go when memory runs out; the lack is told behind it.
-class Reserve {
-  public:
-    explicit Reserve(std::size_t size) {
-        s_memory = ::operator new(size);
-        m_handler = std::set_new_handler(&letGo);
-    }
-    Reserve(const Reserve&) = delete;
-    Reserve& operator=(const Reserve&) = delete;
-    ~Reserve() {
-        std::set_new_handler(m_handler);
-        ::operator delete(s_memory.exchange(nullptr));
-    }
-
-    [[nodiscard]] static bool isGone() { return !s_memory; }
-
-  private:
-    static void letGo() {
-        void* const memory = s_memory.exchange(nullptr);
-        if (!memory)
-            throw std::bad_alloc();
-        ::operator delete(memory);
-    }
-
-    static inline std::atomic<void*> s_memory = nullptr;
-    std::new_handler m_handler = nullptr;
-};
-
-// A parsed text takes some ten times its size.
-constexpr std::size_t reserveFor(std::size_t textSize) {
-    return (std::size_t{64} << 10) + 64 * textSize;
-}
-
 } // namespace
 
 Configuration parseConfiguration(std::string_view text, const std::string& file, std::string& complaints) {
     Reader reader(file, complaints);
-    if (const std::size_t line = longLine(text)) {
-        reader.complain(line, MAX_LINE_SIZE + 1, "the line is too long; the file is not used");
-        return {};
-    }
-    const Reserve reserve(reserveFor(text.size()));
-    Configuration out;
     try {
-        out = readDocument(reader, toml::parse(text, std::string_view(file)));
+        return readDocument(reader, parseToml(text, file));
     } catch (const toml::parse_error& failure) {
         reader.complain(failure.source(), std::string(failure.description()) + "; the file is not used");
+        return {};
     }
-    if (Reserve::isGone())
-        throw std::bad_alloc();
-    return out;
 }
 
 } // namespace Zorvane::Suite

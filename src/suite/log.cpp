@@ -6,6 +6,7 @@
 #include "suite/descriptor.h"
 #include "suite/printable.h"
 #include "suite/quul.h"
+#include "suite/terminal.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -31,16 +32,30 @@ using LogFile = spdlog::sinks::rotating_file_sink_st;
 int whyNotWritable(const std::string& directory, const std::string& path) {
     if (::mkdir(directory.c_str(), 0755) != 0 && errno != EEXIST)
         return errno;
-    // Not blocking, for the pipe that somebody may have put in the file's place.
-    const Descriptor file(
-        ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0644));
-    return file.isOpen() ? 0 : errno;
+    // Many may write into the folder: what stands in the file's place may be a pipe, which would block, or a
+    // link to a file that is none of theirs.
+    const Descriptor file(::open(
+        path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW, 0644));
+    struct stat facts {};
+    if (!file.isOpen() || ::fstat(file.get(), &facts) != 0)
+        return errno;
+    return S_ISREG(facts.st_mode) ? 0 : EINVAL;
+}
+
+// Whether an opened file is what stands at its path: no link was put there since it was looked at.
+bool isPlainlyAt(const std::string& path, std::FILE* file) {
+    struct stat opened {};
+    struct stat there {};
+    return ::fstat(::fileno(file), &opened) == 0 && ::lstat(path.c_str(), &there) == 0 &&
+           opened.st_dev == there.st_dev && opened.st_ino == there.st_ino;
 }
 
 std::unique_ptr<LogFile> openFile(const std::string& path, const Configuration& config) {
     spdlog::file_event_handlers events;
-    events.after_open = [](const spdlog::filename_t&, std::FILE* file) {
+    events.after_open = [](const spdlog::filename_t& opened, std::FILE* file) {
         ::fcntl(::fileno(file), F_SETFD, FD_CLOEXEC);
+        if (!isPlainlyAt(opened, file))
+            throw spdlog::spdlog_ex("the log is a link");
     };
     auto file = std::make_unique<LogFile>(path, config.logMaxBytes, config.logMaxFiles, false, events);
     file->set_formatter(std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %P %v",
@@ -112,11 +127,6 @@ void writeFile(LogFile& file, const mrthLogMsg_t& message, const std::string& te
     file.flush();
 }
 
-bool writeTerminal(std::int32_t severity, const std::string& text) {
-    std::FILE* stream = severity == 0 ? stdout : stderr;
-    return std::fputs((text + "\n").c_str(), stream) >= 0 && std::fflush(stream) == 0;
-}
-
 mrthLogResult_t write(const mrthLogHandle_t& handle, const mrthLogMsg_t& message) {
     const bool forTerminal = message.kind == MRTH_LOG_APP;
     auto* file = static_cast<LogFile*>(handle.file);
@@ -125,7 +135,7 @@ mrthLogResult_t write(const mrthLogHandle_t& handle, const mrthLogMsg_t& message
     const std::string text =
         message.kind == MRTH_LOG_DEBUG ? joined(message.arguments, "") : catalogMessage(message);
     // The user comes first: a full disk must not keep a message from the terminal.
-    const bool shown = !forTerminal || writeTerminal(message.severity, text);
+    const bool shown = !forTerminal || writeTerminal(message.severity == 0 ? stdout : stderr, text + "\n");
     if (file)
         writeFile(*file, message, text);
     return shown ? 0 : EIO;

@@ -33,15 +33,26 @@ std::size_t wideCharacterLength(std::string_view text) {
     std::mbstate_t state{};
     wchar_t character = 0;
     const std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
-    return length > 1 && length <= text.size() && !std::iswcntrl(static_cast<std::wint_t>(character)) ? length
-                                                                                                      : 0;
+    const bool isPrintable = length > 1 && length <= text.size() &&
+                             !std::iswcntrl(static_cast<std::wint_t>(character)) &&
+                             !isInvisible(static_cast<char32_t>(character));
+    return isPrintable ? length : 0;
 }
 
-bool isControl(unsigned char code) {
+// The code of a well-formed character of UTF-8.
+char32_t codeOf(std::string_view character) {
+    const auto lead = static_cast<unsigned char>(character[0]);
+    char32_t code = character.size() == 1 ? lead : lead & (0xFFU >> (character.size() + 1));
+    for (const char next : character.substr(1))
+        code = code << 6 | (static_cast<unsigned char>(next) & 0x3FU);
+    return code;
+}
+
+bool isControl(char32_t code) {
     return code < 0x20 || (code >= 0x7f && code < 0xa0);
 }
 
-void appendEscape(std::string& out, unsigned char code) {
+void appendEscape(std::string& out, char32_t code) {
     static constexpr char digits[] = "0123456789abcdef";
     switch (code) {
     case '\n':
@@ -54,11 +65,21 @@ void appendEscape(std::string& out, unsigned char code) {
         out += "\\t";
         break;
     default:
-        out += {'\\', 'x', digits[code >> 4], digits[code & 15]};
+        if (code > 0xFF)
+            out += {'\\', 'u', digits[code >> 12 & 15], digits[code >> 8 & 15]};
+        else
+            out += "\\x";
+        out += {digits[code >> 4 & 15], digits[code & 15]};
     }
 }
 
 } // namespace
+
+bool isInvisible(char32_t code) {
+    return (code >= 0x80 && code < 0xA0) || (code >= 0x200B && code <= 0x200F) ||
+           (code >= 0x2028 && code <= 0x202E) || (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF ||
+           (code & 0xFFFE) == 0xFFFE;
+}
 
 std::string printable(std::string_view text) {
     std::string out;
@@ -72,8 +93,8 @@ std::string printable(std::string_view text) {
         // The second control set is one byte in an 8-bit code and C2 with that byte in UTF-8.
         const std::size_t length = utf8Length(text);
         const std::size_t taken = length == 0 ? 1 : length;
-        const auto code = static_cast<unsigned char>(text[taken - 1]);
-        if (isControl(code) && (taken == 1 || (taken == 2 && text[0] == '\xc2')))
+        const char32_t code = length == 0 ? static_cast<unsigned char>(text[0]) : codeOf(text.substr(0, taken));
+        if (isControl(code) || (taken > 1 && isInvisible(code)))
             appendEscape(out, code);
         else
             out += text.substr(0, taken);

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-// The TOML library, to be included by this header only.
+// The TOML library, to be included by this header only, and to be called by its one function.
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 // It asserts things that a file decides on, and reports the same things as an error right behind.
 #define TOML_ASSERT(condition) static_cast<void>(0)
+
+// Each of the nested values may have a key of many parts, which nest as well.
+#define TOML_MAX_NESTED_VALUES 16
 
 // Its tables of characters call unreachable what most letters outside ASCII reach: "none of these" is meant.
 #include <toml++/impl/preprocessor.h>
@@ -16,3 +20,11 @@
 #define TOML_UNREACHABLE __builtin_unreachable()
 
 #include <toml++/toml.h>
+
+namespace Zorvane::Suite {
+
+/// Parses a file's text, whatever it holds. toml::parse_error for what is no TOML or beyond the bounds;
+/// std::bad_alloc.
+[[nodiscard]] toml::table parseToml(std::string_view text, std::string_view file);
+
+} // namespace Zorvane::Suite

@@ -264,6 +264,25 @@ TEST_F(Check, tellsWhichBackupHoldsAFile) {
     }
 }
 
+TEST_F(Check, tellsWhyABackupThatHoldsAFileDoesNotCount) {
+    const auto image = [](const char* schedule, int behind, const char* file) {
+        return "[[client.image]]\npolicy = \"Windows_Hourly\"\nschedule = \"" + std::string(schedule) +
+               "\"\ntime = " + std::to_string(1795384800 + behind) + "\nfiles = [\"" + file + "\"]\n";
+    };
+    const std::string holder = image("Full", 20, "/System State/Registry/Registry");
+    for (const auto& [images, objection] :
+         {std::pair(holder + image("Hourly", -10, "/x"), "is newer than the configuration of"),
+          std::pair(image("Full", 30, "/x") + holder + image("Full", -10, "/x"),
+                    "is not the newest full one")}) {
+        m_lab.write("lab/catalogue.toml",
+                    "[[client]]\nname = \"depot05.corp.example\"\ntype = 13\n" + images);
+        m_lab.stop();
+        m_lab.serve();
+        const Json found = check(words("-C depot05.corp.example -vmserver x -vmproxy y -veconfig /dev/null"));
+        EXPECT_THAT(firstThatBlocks(found)["hint"].get<std::string>(), HasSubstr(objection));
+    }
+}
+
 TEST_F(Check, showsWhatWouldBeRecorded) {
     m_lab.serve();
     m_lab.write("target", "name=it's new\ntoolsIsoPath=t\nesxhost=esx11.lab.example\ndatacenter=Southbank\n"

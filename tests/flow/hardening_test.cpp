@@ -101,7 +101,7 @@ TEST(Hardening, aNameCannotForgeALine) {
     lab.write("target", "toolsIsoPath=t\nname=\x1b[2Jcleared\n");
     lab.serve();
     const std::string forged = "2026-01-01T00:00:00.000Z 1 51216 433 app 2 - [433:1] forged";
-    const std::string name = "x\n" + forged + "\r\x1b[31m\xc2\x85";
+    const std::string name = "x\n" + forged + "\r\x1b[31m\xc2\x85\xe2\x80\xa9";
     for (const auto& [client, configuration] :
          {std::pair(name, std::string("current")), std::pair(std::string("ledger01.corp.example"), name)}) {
         const Ended ended =
@@ -121,7 +121,27 @@ TEST(Hardening, aNameCannotForgeALine) {
         EXPECT_GT(count, 0) << file;
     }
     EXPECT_THAT(contents(lab.path("lab/log/51216-433.log")),
-                HasSubstr("x\\n" + forged + "\\r\\x1b[31m\\x85"));
+                HasSubstr("x\\n" + forged + "\\r\\x1b[31m\\x85\\u2029"));
+}
+
+// A conversion that takes its profile back, without the standard descriptors and without a reader.
+TEST(Hardening, whoListensChangesNothing) {
+    Lab lab;
+    logEverything(lab);
+    lab.write("target", "toolsIsoPath=t\nnetwork=Dark net\n");
+    lab.serve();
+    const std::string command = ZOR_ZORB2V " -C ledger01.corp.example -vmserver vcenter01.lab.example -vmproxy "
+                                           "convhost01.lab.example -veconfig " +
+                                lab.path("target");
+    for (const std::string around : {"", " <&- >&- 2>&-", " 2>&1 | :"}) {
+        const std::string status = "; echo $? >" + lab.path("status") + ")";
+        lab.run("/bin/sh", {"-c", "(" + command + status + around});
+        EXPECT_EQ(contents(lab.path("status")), "1\n") << around;
+        EXPECT_EQ(lab.sql("SELECT count(*) FROM ZOR_VmwareProfileOptions"), "0\n") << around;
+    }
+    std::istringstream lines(contents(lab.path("lab/log/51216-433.log")));
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_THAT(line, testing::StartsWith("20")) << "nothing but lines of the log";
 }
 
 } // namespace Zorvane

@@ -142,5 +142,38 @@ TEST(ValidateInput, asksForOneValueAfterTheOther) {
     EXPECT_EQ(commandLine.validateInput(input), 0);
 }
 
+TEST(Options, anInputIsPrintedInWords) {
+    B2VInput input;
+    input.clientName = "alpha";
+    input.esxHost = "esx01";
+    input.powerOn = true;
+    input.diskMap = {{"Harddisk0", "gold", 7}};
+    const std::string head = "ClientName = alpha\nMaster server = \nConfig Name = \nvmServer Name = \n";
+    const std::string middle = "\nPowerOn option = 1\nStrip Network Option= 0\nOverwrite VM Option= 0\n"
+                               "Tools Iso Path = \nVM Display Name = \n";
+    const std::string place = "VM Destination Folder = \nData Center Name = \n";
+    const std::string rest = "VM Network Name = \nResource Pool Name = \nData Store Name = \n";
+    const std::string disks = " Harddisk0 gold 7\n";
+    const struct {
+        std::uint32_t veType, diskFormat;
+        const char *type, *format;
+    } cases[] = {{VMWARE_VE_TYPE, DISK_FORMAT_THIN, "VeType = VMWARE_VE_TYPE", " VM Disk Format= Thin Pro"},
+                 {HYPERV_VE_TYPE, DISK_FORMAT_THICK, "VeType = HYPERV_VE_TYPE", " VM Disk Format= Thick Pro"},
+                 {77, DISK_FORMAT_THICK_LAZY, "Invalid VE_TYPE", " VM Disk Format= Thick Lazy"},
+                 {77, 77, "Invalid VE_TYPE", " Invalid VDisk Format "}};
+    for (const auto& c : cases) {
+        input.veType = c.veType;
+        input.diskFormat = c.diskFormat;
+        std::ostringstream printed;
+        printed << input;
+        EXPECT_EQ(printed.str(), head + "VM proxy Name = \n" + c.type + middle + c.format + '\n' + place + rest + disks);
+    }
+    std::ostringstream printed;
+    printed << CZorb2vCommandLine();
+    EXPECT_NE(printed.str().find("EsxServer Name= \n"), std::string::npos);
+    EXPECT_NE(printed.str().find("Cluster Name= \n"), std::string::npos);
+    EXPECT_TRUE(printed.str().ends_with("Profile Name = \nSystemOnly = false\nGui enabled job = false\n"));
+}
+
 } // namespace
 } // namespace Zorvane

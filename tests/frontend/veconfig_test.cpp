@@ -78,7 +78,8 @@ TEST(VeConfig, aFileThatCannotBeReadIsNamed) {
     EXPECT_EQ(bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
     for (const std::string& path :
          {log.scratch().path("missing"), log.scratch().path(""), log.scratch().path("loop"),
-          log.scratch().path("sock"), std::string(300, 'x'), std::string()}) {
+          log.scratch().path("sock"), std::string(300, 'x'), std::string(), std::string("/dev/zero"),
+          std::string("/proc/self/mem")}) {
         B2VInput input;
         EXPECT_EQ(parseVEconfig(path, input), 1) << path;
         EXPECT_TRUE(log.takeMessages().starts_with("31] The configuration file \"" + path + "\"")) << path;

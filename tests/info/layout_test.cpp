@@ -247,9 +247,9 @@ TEST(LayoutLabels, areShortAndHarmless) {
                                                 {"a\nb\x1b[31m", "a\\nb\\x1b[31m"},
                                                 {"M\xC3\xBCller", "M\xC3\xBCller"},
                                                 {"\xC3(", "\xEF\xBF\xBD("},
-                                                {"\xE2\x80\xAEtxt", "\xEF\xBF\xBDtxt"},
+                                                {"\xE2\x80\xAEtxt", "\\u202etxt"},
                                                 {"\xED\xA0\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
-                                                {"\xEF\xBF\xBF", "\xEF\xBF\xBD"}};
+                                                {"\xEF\xBF\xBF", "\\uffff"}};
     for (const auto& [text, expected] : texts)
         EXPECT_EQ(shown(text), expected);
     EXPECT_EQ(shown("123456", 6), "123456");

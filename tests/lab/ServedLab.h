@@ -18,6 +18,17 @@
 
 namespace Zorvane {
 
+/// A connection that says nothing of its own.
+inline Suite::Descriptor connectTo(std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    Suite::Descriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    EXPECT_EQ(::connect(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    return Suite::Descriptor(socket.release());
+}
+
 /// A lab that is served by a thread of the test, and is the configured one for the client's code.
 class ServedLab {
   public:
@@ -47,7 +58,7 @@ class ServedLab {
     }
 
     [[nodiscard]] Store& store() { return m_store; }
-    [[nodiscard]] std::filesystem::path received() const { return m_lab.received; }
+    [[nodiscard]] std::filesystem::path received() const { return m_lab.received.folder(); }
     /// The lines of the request log.
     [[nodiscard]] std::vector<std::string> requests() const {
         std::ifstream in(m_scratch.file("requests.log"));
@@ -56,15 +67,8 @@ class ServedLab {
             lines.push_back(line);
         return lines;
     }
-    /// A connection that says nothing of its own.
     [[nodiscard]] Suite::Descriptor connect(const char* service) const {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = htons(m_server.port(service));
-        Suite::Descriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-        EXPECT_EQ(::connect(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-        return Suite::Descriptor(socket.release());
+        return connectTo(m_server.port(service));
     }
 
   private:

@@ -31,6 +31,7 @@ TEST_F(ChangesTest, InsertedRowsGetNumbersAndReferencesFollow) {
     for (int round = 0; round < 2; ++round) {
         CZor rows;
         addTask(rows, 1, 3);
+        rows.m_vP2VRestoreTask[0]->setVmName("fromDb=\"1\">8</Id>"); // as the numbers stand in a document
         StoreResult result = m_store->insert(document(rows, FOR_INSERT));
         ASSERT_EQ(result.status, STORE_OK) << result.text;
         CZor reply;
@@ -39,6 +40,7 @@ TEST_F(ChangesTest, InsertedRowsGetNumbersAndReferencesFollow) {
         ASSERT_EQ(reply.m_vP2VRestoreTask.size(), 1U);
         EXPECT_EQ(reply.m_vP2VRestoreTask[0]->getId(), task);
         EXPECT_TRUE(reply.m_vP2VRestoreTask[0]->isFromDb());
+        EXPECT_EQ(reply.m_vP2VRestoreTask[0]->getVmName(), rows.m_vP2VRestoreTask[0]->getVmName());
         EXPECT_EQ(reply.m_vP2VRestoreTask[0]->getConfigId(), 77U) << "a number of the database stays";
         ASSERT_EQ(reply.m_vDiskToDataStoreMap.size(), 3U);
         for (const auto* map : reply.m_vDiskToDataStoreMap) {
@@ -132,10 +134,10 @@ TEST_F(ChangesTest, ATransactionIsAllOrNothing) {
 
     const StoreResult result = transact(document(inserted), document(updated), document(removed));
     ASSERT_EQ(result.status, STORE_OK) << result.text;
-    EXPECT_EQ(contents(result.reply), "P2VRestoreTask 2, DiskToDataStoreMap 3");
     EXPECT_EQ(found(CP2VRestoreTask::TableName), "P2VRestoreTask 2");
     EXPECT_EQ(found(CDiskToDataStoreMap::TableName, "P2VRestoreTaskId = 2"),
               "DiskToDataStoreMap 2, DiskToDataStoreMap 3");
+    EXPECT_EQ(found(CDiskToDataStoreMap::TableName, "Id > 3"), "");
     EXPECT_TRUE(transact({}, {}, {}).ok());
 }
 

@@ -55,6 +55,15 @@ TEST_F(CommandLineTest, ALabIsMadeOnceAndAgainWithForce) {
     ASSERT_EQ(run({"init", m_lab, "--force", "--base-port", "23456"}), 0) << m_err;
     EXPECT_EQ(LabDirectory(m_lab).ports().kvnrd, 23458);
     EXPECT_EQ(text("lab/own file"), "stays");
+
+    // One that comes to nothing leaves the lab as it is.
+    const std::string before = text("lab/kvn.toml");
+    std::filesystem::create_directory(m_scratch.file("samples"));
+    std::ofstream(m_scratch.file("samples/bad.xml")) << "no document";
+    EXPECT_EQ(run({"init", m_lab, "--force", "--samples", m_scratch.file("samples").string()}), 1);
+    EXPECT_EQ(text("lab/kvn.toml"), before);
+    EXPECT_EQ(run({"export", m_lab, "ledger01.corp.example"}), 0) << m_err;
+    EXPECT_FALSE(std::filesystem::exists(m_scratch.file("lab/draft")));
 }
 
 TEST_F(CommandLineTest, ConfigurationsGoInAndOut) {
@@ -121,7 +130,16 @@ TEST_F(CommandLineTest, ServesUntilItIsTold) {
     char line[16] = {};
     ASSERT_EQ(::read(out[0], line, sizeof line - 1), 6);
     EXPECT_STREQ(line, "ready\n");
-    EXPECT_EQ(run({"serve", m_lab}), 1); // the ports are taken
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"serve", m_lab}, {"init", m_lab, "--force"}}) {
+        EXPECT_EQ(run(words), 1);
+        EXPECT_NE(m_err.find(m_lab + " is in use"), std::string::npos) << m_err;
+    }
+    // Another one that has the same ports.
+    std::filesystem::create_directory(m_scratch.file("other"));
+    for (const char* name : {"kvn.toml", "recovery.db", "inventory.toml", "catalogue.toml"})
+        std::filesystem::copy(m_scratch.file("lab") / name, m_scratch.file("other"));
+    EXPECT_EQ(run({"serve", m_scratch.file("other").string()}), 1);
     EXPECT_NE(m_err.find("zord cannot listen on 127.0.0.1 port"), std::string::npos) << m_err;
     ::kill(child, SIGTERM);
     int status = -1;

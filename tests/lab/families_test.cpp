@@ -9,19 +9,21 @@
 namespace Zorvane {
 namespace {
 
+const std::string SAMPLES = ZOR_SOURCE_DIR "/share/samples/";
+
 class FamiliesTest : public StoreTest, public testing::WithParamInterface<const char*> {};
 
 } // namespace
 
 TEST_P(FamiliesTest, IsExportedAsItWasLoaded) {
-    std::string file = std::string(ZOR_SOURCE_DIR) + "/share/samples/families/" + GetParam() + ".xml";
+    std::string file = SAMPLES + "families/" + GetParam() + ".xml";
     CZor original;
     ASSERT_EQ(original.readXml(file), 0) << file;
     const std::string expected = documentByOrder(original);
 
     CZor loaded;
     std::ostringstream told;
-    loadConfiguration(*m_store, std::string(ZOR_SOURCE_DIR) + "/share/samples/ledger01.xml", loaded, told);
+    loadConfiguration(*m_store, SAMPLES + "ledger01.xml", loaded, told);
     loaded.clear(true); // other rows stand before, so that the numbers differ
     loadConfiguration(*m_store, file, loaded, told);
     std::string text = exportConfiguration(*m_store, std::string(GetParam()) + ".corp.example", "");

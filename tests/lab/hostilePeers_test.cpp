@@ -176,7 +176,8 @@ TEST(HostilePeers, SilentOnesLoseTheirPlace) {
     drip.join();
 }
 
-// One that idles loses its place soon when others want it, and keeps it when nobody does.
+// One that idles loses its place soon when others want it, and keeps it when nobody does: before its request
+// as well as within a document that it has announced.
 TEST(HostilePeers, IdlersMakeRoom) {
     ServedLab lab({}, {.opening = 60s, .hurry = 100ms});
     const auto patient = lab.connect("zord");
@@ -185,11 +186,52 @@ TEST(HostilePeers, IdlersMakeRoom) {
     char reply[4];
     EXPECT_EQ(::recv(patient.get(), reply, sizeof reply, MSG_WAITALL), 4);
     std::vector<std::unique_ptr<Suite::Descriptor>> idlers;
-    for (std::size_t i = 0; i < 2 * Server::MAX_CONNECTIONS; ++i)
+    for (std::size_t i = 0; i < 2 * Server::MAX_CONNECTIONS; ++i) {
         idlers.push_back(std::make_unique<Suite::Descriptor>(lab.connect("zord").release()));
+        if (i % 2 == 0)
+            sendAll(idlers.back()->get(), OPENING + number(0x00160000 | 12) + number(10) + number(200'000));
+    }
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_TRUE(answers());
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s);
+}
+
+// Those that don't take a large reply keep their turn from nobody.
+TEST(HostilePeers, LargeRepliesAreTakenSoon) {
+    ServedLab lab({}, {.hurry = 100ms});
+    const char* const table = "ZorDba.ZOR_VmwareProfileOptions";
+    CZor rows;
+    for (ID id = 1; id <= 4000; ++id) {
+        rows.m_vVmwareProfileOptions.push_back(new CVmwareProfileOptions);
+        rows.m_vVmwareProfileOptions.back()->setId(id);
+        rows.m_vVmwareProfileOptions.back()->setProfileName(std::string(3000, 'p'));
+    }
+    ASSERT_TRUE(lab.store().load(rows).ok());
+    const std::string document = "<ZorData><QueryRequest><TableClause>" + std::string(table) +
+                                 "</TableClause><ColumnClause>*</ColumnClause></QueryRequest></ZorData>";
+    std::vector<std::unique_ptr<Suite::Descriptor>> all;
+    for (std::size_t i = 0; i < 2 * DocumentTurns::AT_ONCE; ++i) {
+        all.push_back(std::make_unique<Suite::Descriptor>(lab.connect("zord").release()));
+        sendAll(all.back()->get(), OPENING + number(0x00160000 | 12) + number(10) +
+                                       number(static_cast<std::uint32_t>(document.size())) + document);
+    }
+    const auto begin = std::chrono::steady_clock::now();
+    CZor found;
+    EXPECT_EQ(found.queryRequest("*", table, "1"), 0);
+    EXPECT_EQ(found.m_vVmwareProfileOptions.size(), 4000U);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 30s);
+}
+
+TEST(HostilePeers, WhateverEndsAConnectionEndsItAlone) {
+    Server server("127.0.0.1", {{"odd", 0, [](Connection& connection) {
+                                     connection.write("x");
+                                     throw 5; // as the XML library does
+                                 }}});
+    std::thread thread([&] { server.run(); });
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(heard(connectTo(server.port("odd")).get()), "x");
+    server.stop();
+    thread.join();
 }
 
 // The client's code is for one thread, so that these speak the protocol themselves.

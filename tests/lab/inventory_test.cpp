@@ -110,10 +110,18 @@ TEST_F(InventoryTest, WhatIsNotThereIsAStatus) {
 }
 
 TEST_F(InventoryTest, FilesThatMakeNoSenseAreToldWithTheirPlace) {
+    std::string parts = "a";
+    for (int i = 0; i < 300'000; ++i)
+        parts += ".a";
+    std::string nested = "[1]"; // in each of which a key has as many parts as a line takes
+    for (int i = 0; i < 20; ++i)
+        nested = "[\n{" + parts.substr(0, 4001) + "=" + nested + "}]";
     const struct {
-        const char* text;
+        std::string text;
         const char* complaint;
     } cases[] = {
+        {parts + " = 1", "inventory.toml:1:4097: the line is too long"},
+        {"x = " + nested, "nested"},
         {"proxies = 1", ":1:11: proxies must be a list of texts"},
         {"[[server]]\nname = \"s\"\ntype = \"xen\"\n", "type must be \"vcenter\" or \"esx\""},
         {"[[server]]\nname = \"s\"\ntype = \"esx\"\n[[server.datacenter]]\nname = "
@@ -149,13 +157,13 @@ TEST_F(InventoryTest, AProfileIsCheckedObjectByObject) {
         const char* value;
         const char* missing; ///< null: nothing
     } cases[] = {
-        {&CVmwareProfileOptions::setVICName, "other", "conversion host"},
-        {&CVmwareProfileOptions::setVCenterServer, "other", "virtual machine server"},
-        {&CVmwareProfileOptions::setEsxServer, "esx90.lab.example", "ESX host"},
-        {&CVmwareProfileOptions::setDataCenter, "Southbank", "data center"},
+        {&CVmwareProfileOptions::setVICName, "other", "-vmproxy"},
+        {&CVmwareProfileOptions::setVCenterServer, "other", "-vmserver"},
+        {&CVmwareProfileOptions::setEsxServer, "esx90.lab.example", "esxhost"},
+        {&CVmwareProfileOptions::setDataCenter, "Southbank", "datacenter"},
         {&CVmwareProfileOptions::setESXCluster, "other", "cluster"},
-        {&CVmwareProfileOptions::setDataStore, "sb-nfs-01", "data store"},
-        {&CVmwareProfileOptions::setResourcePool, "Bronze", "resource pool"},
+        {&CVmwareProfileOptions::setDataStore, "sb-nfs-01", "datastore"},
+        {&CVmwareProfileOptions::setResourcePool, "Bronze", "resourcepool"},
         {&CVmwareProfileOptions::setResourcePool, "databases", nullptr}, // by its name
         {&CVmwareProfileOptions::setFolder, "/Northgate/vm/None", "folder"},
         {&CVmwareProfileOptions::setNetwork, "other", "network"},

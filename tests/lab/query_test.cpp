@@ -145,6 +145,55 @@ TEST_F(QueryTest, TimeAndSizeAreBounded) {
     EXPECT_EQ(query("*", CONFIG, "").status, STORE_OK) << "the connection serves on";
 }
 
+// What one request may take of the library's memory, no other one lacks.
+TEST_F(QueryTest, MemoryIsBoundedForEachRequest) {
+    open({.libraryBytes = 4 << 20});
+    CZor rows;
+    add(rows.m_vConfig, 1).setZorVersion(std::string(3 << 20, 'x'));
+    EXPECT_EQ(m_store->insert(document(rows)).status, STORE_OK) << "a writer has no bound";
+    const std::string joined = std::string(BOTH) + ", ZorDba.ZOR_System b";
+    EXPECT_EQ(query("ZOR_Config.Id, ZorVersion||'1', ZorVersion||'2'", CONFIG, "").status, STORE_TOO_MUCH);
+    EXPECT_EQ(query("b.Id", joined, "1 ORDER BY substr(ZorVersion||b.Id, 1, 2000000)").status,
+              STORE_TOO_MUCH);
+    EXPECT_EQ(found(CONFIG, "Id < 4 ORDER BY Id"), "Config 1, Config 2, Config 3");
+}
+
+// Many rows, of a request or of its reply, wait for a turn; few don't ask for one.
+TEST_F(QueryTest, LargeRequestsNeedATurn) {
+    std::string rows = "<ZorData>";
+    for (int i = 0; i < 500; ++i)
+        rows += "<VmwareProfileOptions/>"; // a few bytes that become many
+    rows += "</ZorData>";
+    const Store::Document document(reinterpret_cast<const unsigned char*>(rows.data()), rows.size());
+    std::string asked;
+    const auto turn = [&](bool isThereOne) {
+        return [&, isThereOne](Wait wait) {
+            asked += wait == Wait::Yes ? 'y' : 'n';
+            return isThereOne && asked != "n";
+        };
+    };
+    EXPECT_EQ(m_store->insert(document, turn(false)).status, STORE_TOO_MUCH);
+    EXPECT_EQ(std::exchange(asked, ""), "y");
+    EXPECT_EQ(m_store->insert(document, turn(true)).status, STORE_OK);
+    EXPECT_EQ(std::exchange(asked, ""), "y");
+
+    CZor request;
+    add(request.m_vQueryRequest, 0).setColumnClause("*");
+    request.m_vQueryRequest[0]->setTableClause(CVmwareProfileOptions::TableName);
+    const Bytes large = StoreTest::document(request, FOR_QUERY);
+    EXPECT_EQ(m_store->query(large, turn(false)).status, STORE_TOO_MUCH);
+    EXPECT_EQ(std::exchange(asked, ""), "ny");
+    CZor reply;
+    StoreResult result = m_store->query(large, turn(true)); // the first time there is none
+    read(result.reply, reply);
+    EXPECT_EQ(reply.m_vVmwareProfileOptions.size(), 500U);
+    EXPECT_EQ(std::exchange(asked, ""), "nyn");
+
+    request.m_vQueryRequest[0]->setWhereClause("Id < 20");
+    EXPECT_EQ(m_store->query(StoreTest::document(request, FOR_QUERY), turn(false)).status, STORE_OK);
+    EXPECT_EQ(asked, "");
+}
+
 TEST_F(QueryTest, ADocumentMayAskSeveralThings) {
     CZor request;
     add(request.m_vQueryRequest, 0).setTableClause(CONFIG);

@@ -148,6 +148,14 @@ TEST_F(RowsTest, ReferencesAreFoundByIndex) {
     EXPECT_GT(columns, 280);
 }
 
+// Half of it would pass for the whole.
+TEST_F(RowsTest, WhatNoDocumentHoldsIsNotWritten) {
+    CZor rows;
+    rows.m_vConfig.push_back(new CConfig);
+    rows.m_vConfig[0]->setName("a control \x01 character");
+    EXPECT_THROW(writeDocument(rows), std::runtime_error);
+}
+
 TEST_F(RowsTest, AnUnusableFileIsRefused) {
     EXPECT_THROW(Database(m_scratch.file("missing/recovery.db")), DatabaseError);
     EXPECT_THROW(Database("/proc/self/status"), std::runtime_error);

@@ -112,7 +112,7 @@ TEST(Sessions, FailedMethodsTellTheReason) {
     } cases[] = {
         {ZOROP_VERIFYB2V, ZOROP_VEPROFILE, "1", good, 0, ""},
         {ZOROP_VERIFYB2V, ZOROP_VEPROFILE, "1", bad, 1,
-         "The profile \"Bad\" names the data store \"nowhere\""},
+         "The profile \"Bad\" sets datastore to \"nowhere\""},
         {ZOROP_VERIFYB2V, ZOROP_VEPROFILE, "1", "9999", STORE_NO_SUCH_ROW, "There is no profile \"9999\""},
         {ZOROP_DELETE, ZOROP_VEPROFILE, "1", "good", 0, ""},
         {ZOROP_DELETE, ZOROP_VEPROFILE, "1", "good", STORE_NO_SUCH_ROW, "There is no profile \"good\""},

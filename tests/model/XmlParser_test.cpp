@@ -129,6 +129,66 @@ TEST_F(XmlParserTest, AReferenceWithoutItsFlagLeavesTheFlag) {
     }
 }
 
+// A value of each kind as it is written, and as it is read again.
+TEST_F(XmlParserTest, ValuesOfEachKindComeBack) {
+    XmlParser writer;
+    writer.AppendElement("Row");
+    const std::string text = "by pointer";
+    const wchar_t wide[] = {L'x', 0x1F4BE, 0xD800, 0x110000, 0};
+    EXPECT_EQ(writer.AppendValue("A", 'a') + writer.AppendValue("B", true) + writer.AppendValue("C", -5L) +
+                  writer.AppendValue("D", 5UL) + writer.AppendValue("E", __int64{-7}) +
+                  writer.AppendValue("F", 65535U) + writer.AppendValue("G", &text) +
+                  writer.AppendValue("H", wide) + writer.AppendValue("I", L'\u00fc') +
+                  writer.AppendValue("J", static_cast<const char*>(nullptr)) +
+                  writer.AppendValue("K", static_cast<const wchar_t*>(nullptr)) +
+                  writer.AppendValue("L", static_cast<const std::string*>(nullptr)),
+              0);
+    Parsed reader(bytesOf(writer));
+    XmlParser& p = reader.parser;
+    p.initChildren();
+    const auto release = [](char* tag) { return std::string(XmlText(tag).get()); };
+    EXPECT_EQ(release(p.getFirstObject()), "Row");
+    EXPECT_EQ(release(p.getFirstValue()), "A");
+    const auto next = [&](auto value) {
+        p.CopyNodeValue(&value);
+        XmlText(p.getNextValue());
+        return value;
+    };
+    EXPECT_EQ(next(static_cast<unsigned char>(0)), 'a');
+    EXPECT_TRUE(next(false));
+    EXPECT_EQ(next(0L), -5);
+    EXPECT_EQ(next(0UL), 5U);
+    EXPECT_EQ(next(__int64{0}), -7);
+    EXPECT_EQ(next(static_cast<unsigned short>(0)), 65535);
+    const auto textOf = [&](auto* made) {
+        const std::basic_string read(made);
+        delete[] made;
+        return read;
+    };
+    EXPECT_EQ(textOf(next(static_cast<char*>(nullptr))), "by pointer");
+    EXPECT_EQ(textOf(next(static_cast<wchar_t*>(nullptr))), L"x\U0001F4BE\uFFFD\uFFFD");
+    EXPECT_EQ(next(L'-'), L'\u00fc');
+    EXPECT_EQ(next(L'-'), L'\0') << "an element without a text";
+    EXPECT_EQ(textOf(next(static_cast<wchar_t*>(nullptr))), L"");
+    EXPECT_EQ(next(static_cast<unsigned char*>(nullptr)), nullptr);
+    EXPECT_EQ(p.getNextValue(), nullptr);
+}
+
+TEST_F(XmlParserTest, TheCursorCanBeSetBack) {
+    Parsed p("<r>one<a>two</a><b/></r>");
+    XmlNode* const root = p.parser.getCurrentNode();
+    ASSERT_EQ(*p.parser.firstObjectTag(), "a");
+    std::string text;
+    p.parser.CopyNode(&text);
+    EXPECT_EQ(text, "two");
+    ASSERT_EQ(*p.parser.nextObjectTag(), "b");
+    p.parser.CopyNode(&text);
+    EXPECT_EQ(text, "two") << "nothing to copy";
+    p.parser.setCurrentNode(root);
+    EXPECT_EQ(*p.parser.firstObjectTag(), "a");
+    EXPECT_EQ(p.parser.firstValueTag(), nullptr);
+}
+
 TEST_F(XmlParserTest, BytesComeBackThroughBase64) {
     XmlParser writer;
     writer.AppendElement("Row");
@@ -141,6 +201,15 @@ TEST_F(XmlParserTest, BytesComeBackThroughBase64) {
     std::vector<unsigned char> read;
     reader.parser.CopyNodeValue(&read);
     EXPECT_EQ(read, std::vector<unsigned char>(bytes, bytes + sizeof bytes));
+
+    Parsed bad("<r><o><f>*no base64*</f></o></r>");
+    bad.parser.firstObjectTag();
+    bad.parser.firstValueTag();
+    unsigned char* copied = nullptr;
+    bad.parser.CopyNodeValue(&read);
+    bad.parser.CopyNodeValue(&copied);
+    EXPECT_TRUE(read.empty());
+    EXPECT_EQ(copied, nullptr);
 }
 
 TEST_F(XmlParserTest, ResultsTellWhatWentWrong) {
@@ -167,6 +236,23 @@ TEST_F(XmlParserTest, ResultsTellWhatWentWrong) {
     EXPECT_EQ(empty.parser.AppendElement("Row"), 1);
     EXPECT_EQ(empty.parser.AppendValue("Field", &byte, 1), 1);
     EXPECT_EQ(empty.parser.write(), 1);
+    EXPECT_EQ(empty.parser.getRootName(), "");
+    EXPECT_EQ(empty.parser.getCurrentNode(), nullptr);
+    EXPECT_EQ(empty.parser.nextObjectTag(), nullptr);
+    EXPECT_EQ(empty.parser.firstValueTag(), nullptr);
+    EXPECT_EQ(empty.parser.nextValueTag(), nullptr);
+    empty.parser.setCurrentNode(nullptr);
+    std::string text = "kept", name = "a";
+    int number = 3;
+    wchar_t* wide = nullptr;
+    empty.parser.CopyNode(&text);
+    empty.parser.CopyNodeAttribute(&text, &name);
+    empty.parser.CopyNodeValue(&text);
+    empty.parser.CopyNodeValue(&number);
+    empty.parser.CopyNodeValue(&wide);
+    EXPECT_EQ(text, "kept");
+    EXPECT_EQ(number, 3);
+    EXPECT_EQ(wide, nullptr);
 }
 
 TEST_F(XmlParserTest, BadAndHostileDocumentsAreRefused) {

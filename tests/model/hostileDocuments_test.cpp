@@ -146,6 +146,47 @@ TEST(HostileDocuments, DepthAndLengthHaveABoundThatIsTold) {
     g_libLog = nullptr;
 }
 
+// The library's time for these grows with the square of their number.
+TEST(HostileDocuments, NamesAttributesAndNamespacesAreBounded) {
+    const auto many = [](std::size_t count, const std::string& before, const std::string& after) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i)
+            text += before + std::to_string(i) + after;
+        return text;
+    };
+    const auto nestedDeclarations = [&](std::size_t count) {
+        std::string end;
+        for (std::size_t i = 0; i < count; ++i)
+            end += "</a>";
+        return "<r>" + many(count, "<a xmlns:p", "='u'>") + end + "</r>";
+    };
+    const auto siblings = [](std::size_t count) {
+        std::string text = "<r>";
+        for (std::size_t i = 0; i < count; ++i)
+            text += "<a xmlns='u'/>";
+        return text + "</r>";
+    };
+    const std::string quoted = "<r a='" + std::string(600, '=') + ">'>" + std::string(600, '=') + "</r>";
+    const struct {
+        const char* what;
+        std::string accepted, refused;
+    } cases[] = {
+        {"attributes", "<r>" + many(1, "<e" + many(XML_MAX_ATTRIBUTES - 1, " a", "='>'") + " b", "=''/></r>"),
+         "<e" + many(XML_MAX_ATTRIBUTES + 1, " a", "='>'") + "/>"},
+        {"element names", "<r>" + many(XML_MAX_NAMES - 1, "<e", "/>") + "</r>",
+         "<r>" + many(XML_MAX_NAMES + 1, "<e", "/>") + "</r>"},
+        {"attribute names", "<r>" + many(XML_MAX_NAMES, "<e a", "=''/>") + "</r>",
+         "<r>" + many(XML_MAX_NAMES + 1, "<e a", "=''/>") + "</r>"},
+        {"namespaces", nestedDeclarations(XML_MAX_NAMESPACES), nestedDeclarations(XML_MAX_NAMESPACES + 1)},
+        {"what only looks like it", quoted, "<r>"},
+        {"declarations one after the other", siblings(10 * XML_MAX_NAMESPACES), "<r>"},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(resultOf(test.accepted), 0) << test.what;
+        EXPECT_EQ(resultOf(test.refused), XML_NOT_WELL_FORMED) << test.what;
+    }
+}
+
 // Long in every other way is a document like any other.
 TEST(HostileDocuments, WhatCouldNotBeWrittenAgainIsNotRead) {
     for (const auto& [version, expected] : {std::pair{"1.0", 0}, std::pair{"1.1", 1}}) {

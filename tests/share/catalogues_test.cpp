@@ -6,6 +6,7 @@
 #include <clocale>
 #include <map>
 #include <memory>
+#include <regex>
 
 #include <gtest/gtest.h>
 #include <iconv.h>
@@ -45,6 +46,11 @@ std::vector<std::string> fixedWords(const std::string& text) {
     return words;
 }
 
+// The places in their order, with the quotation mark that names of objects have.
+std::vector<std::string> places(const std::string& text) {
+    return matches(std::regex_replace(text, std::regex("「"), "\""), "(\"?%s)");
+}
+
 bool canBeWritten(std::string text, const char* codeSet) {
     const iconv_t conversion = iconv_open(codeSet, "UTF-8");
     std::string out(2 * text.size(), '\0');
@@ -71,6 +77,7 @@ TEST_P(Catalogues, sayTheSameAsTheEnglishOne) {
         const auto found = own.find(id);
         ASSERT_NE(found, own.end()) << id.first << ":" << id.second;
         EXPECT_EQ(fixedWords(found->second), fixedWords(text)) << id.first << ":" << id.second;
+        EXPECT_EQ(places(found->second), places(text)) << id.first << ":" << id.second;
         EXPECT_TRUE(found->second != text || *GetParam().name == 'e') << "not translated: " << text;
     }
 }

@@ -4,9 +4,13 @@
 #include "suite/quul.h"
 
 #include <cerrno>
+#include <csignal>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using testing::HasSubstr;
@@ -53,6 +57,7 @@ TEST(Printable, controlCharactersAreSpelledOut) {
         {"\xe4\xf6", "\xe4\xf6"},           // letters of an 8-bit code
         {"\xe0\x80\x9b", "\xe0\\x80\\x9b"}, // an overlong form hides nothing
         {"\xe2\x82", "\xe2\\x82"},          // a character cut short
+        {"a\xe2\x80\xa8" "b\xe2\x80\xae\xef\xbb\xbf", "a\\u2028b\\u202e\\ufeff"}, // lines and directions
     };
     for (const auto& [text, shown] : cases)
         EXPECT_EQ(Zorvane::Suite::printable(text), shown);
@@ -118,11 +123,22 @@ TEST(Log, levelsFollowTheFile) {
 TEST(Log, unwritableDirectoryFailsTheOpen) {
     const Scratch scratch;
     std::filesystem::create_directories(scratch.path("taken/51216-433.log"));
-    for (const auto& [directory, status] : std::initializer_list<std::pair<const char*, int>>{
-             {"kvn.toml", ENOTDIR}, {"no/where", ENOENT}, {"taken", EISDIR}, {"made", 0}}) {
+    std::filesystem::create_directories(scratch.path("linked"));
+    std::filesystem::create_symlink(scratch.path("kvn.toml"), scratch.path("linked/51216-433.log"));
+    std::filesystem::create_directories(scratch.path("piped"));
+    ::mkfifo(scratch.path("piped/51216-433.log").c_str(), 0600);
+    const int reader = ::open(scratch.path("piped/51216-433.log").c_str(), O_RDONLY | O_NONBLOCK);
+    for (const auto& [directory, status] :
+         std::initializer_list<std::pair<const char*, int>>{{"kvn.toml", ENOTDIR},
+                                                            {"no/where", ENOENT},
+                                                            {"taken", EISDIR},
+                                                            {"linked", ELOOP},
+                                                            {"piped", EINVAL},
+                                                            {"made", 0}}) {
         scratch.configure("[logging]\ndirectory = \"" + scratch.path(directory) + "\"\n");
         EXPECT_EQ(Channel(433).status, status) << directory;
     }
+    ::close(reader);
 }
 
 TEST(Log, rotatesAndKeepsAsManyFilesAsTold) {
@@ -142,9 +158,15 @@ TEST(Log, rotatesAndKeepsAsManyFilesAsTold) {
 
 TEST(Log, fullDiskIsAResultAndNoNoise) {
     const Scratch scratch(1);
-    std::filesystem::create_symlink("/dev/full", scratch.path("51216-433.log"));
     Channel channel(433);
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit none{0, before.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN);
     testing::internal::CaptureStderr();
+    setrlimit(RLIMIT_FSIZE, &none);
     EXPECT_EQ(channel.write(MRTH_LOG_DEBUG, 1, "a:b()", 0, "x"), EIO);
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, SIG_DFL);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

@@ -34,6 +34,7 @@ const std::array<std::vector<int>, CLASSES> ERRORS = [] {
     errors[CLASS_wait] = {ECHILD, EINTR};
     errors[CLASS_locale] = {ENOENT};
     errors[CLASS_convert] = {EILSEQ};
+    errors[CLASS_watch] = {ENOSPC};
     return errors;
 }();
 

@@ -23,15 +23,18 @@
 #include <netdb.h>
 #include <nl_types.h>
 #include <poll.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <stdbool.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/inotify.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/uio.h>
+#include <sys/vfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <wchar.h>
@@ -374,6 +377,12 @@ __asm__(".text\n.globl vfork\n.type vfork, @function\nvfork:\n"
         "  ret\n"
         ".size vfork, .-vfork\n");
 #endif
+
+CALL(watch, int, inotify_init1, (int flags), (flags), -1)
+CALL(watch, int, inotify_add_watch, (int queue, const char* path, uint32_t events), (queue, path, events), -1)
+CALL(watch, int, statfs, (const char* path, struct statfs* facts), (path, facts), -1)
+CALL(watch, int, sigaction, (int number, const struct sigaction* action, struct sigaction* before),
+     (number, action, before), -1)
 
 CALL(locale, char*, setlocale, (int category, const char* name), (category, name), NULL)
 CALL(locale, locale_t, newlocale, (int categories, const char* name, locale_t base), (categories, name, base),

@@ -13,6 +13,12 @@ function __zorb2v_configurations
     test -n "$client"; and timeout 0.5 zorinfo configs $client --names 2>/dev/null </dev/null
 end
 
+# __zorb2v_behind OPTION LEAST: whether the word in front is this option cut short, which is none to fish.
+function __zorb2v_behind
+    set -l word (commandline -opc)[-1]
+    test (string length -- $word) -ge $argv[2]; and test $word != $argv[1]; and string match -q -- "$word*" $argv[1]
+end
+
 # The options, for "complete" with these arguments in front: "zorinfo check" takes them, too.
 function __zorb2v_options
     complete $argv -o C -x -a '(__zorb2v_clients)' -d 'The client, as the backup suite calls it'
@@ -33,6 +39,9 @@ function __zorb2v_options
     complete $argv -o version -x -d 'The caller\'s version'
     complete $argv -o esxhost -d 'Not used'
     complete $argv -o help -d 'Show the usage text'
+    complete $argv -n '__zorb2v_behind -vmserver 5; or __zorb2v_behind -vmproxy 5' -a '(__fish_print_hostnames)'
+    complete $argv -n '__zorb2v_behind -veconfig 4' -F
+    complete $argv -n '__zorb2v_behind -config 3' -a '(__zorb2v_configurations)'
 end
 
 complete -c zorb2v -f

@@ -29,6 +29,13 @@ function __zorinfo_names
     timeout 0.5 zorinfo configs $words[2..] --names 2>/dev/null </dev/null
 end
 
+# The configurations of the client behind --client.
+function __zorinfo_bundled
+    set -l words (commandline -opc)
+    set -l place (contains -i -- --client $words); or return
+    timeout 0.5 zorinfo configs $words[(math $place + 1)] --names 2>/dev/null </dev/null
+end
+
 # The configurations of the client behind "draft".
 function __zorinfo_configurations
     set -l words (__zorinfo_words)
@@ -60,7 +67,8 @@ __zorb2v_options -c zorinfo -n '__fish_seen_subcommand_from bundle check'
 
 complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l client -x -a '(__zorinfo_names)' \
     -d 'With the configuration document of this client'
-complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l config -x -d 'That configuration of the client'
+complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l config -x -a '(__zorinfo_bundled)' \
+    -d 'That configuration of the client'
 complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l output -r -F -d 'The archive'
 complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l force -d 'Replace the files that stand there'
 complete -c zorinfo -n '__fish_seen_subcommand_from bundle' -l mask -d 'Stand-ins for names and addresses'

@@ -22,9 +22,21 @@ function __zorlab_at
     test "$(commandline -opc)[2]" = $argv[1]; and test (count (__zorlab_words)) -eq (math $argv[2] - 1)
 end
 
+# __zorlab_ask LAB [CLIENT]
+function __zorlab_ask
+    KVN_CONF=(string replace -r '^~/' $HOME/ -- "$argv[1]")/kvn.toml \
+        timeout 0.5 zorinfo configs $argv[2..] --names 2>/dev/null </dev/null
+end
+
 function __zorlab_names
-    set -l words (__zorlab_words)
-    KVN_CONF=$words[1]/kvn.toml timeout 0.5 zorinfo configs $words[2..] --names 2>/dev/null </dev/null
+    __zorlab_ask (__zorlab_words)
+end
+
+# The configurations of the client behind --client.
+function __zorlab_bundled
+    set -l words (commandline -opc)
+    set -l place (contains -i -- --client $words); or return
+    __zorlab_ask (__zorlab_words)[1] $words[(math $place + 1)]
 end
 
 function __zorlab_scenarios
@@ -73,9 +85,10 @@ complete -c zorlab -n '__fish_seen_subcommand_from serve' -l clock -x -d 'The ti
 complete -c zorlab -n '__fish_seen_subcommand_from schema' -l xsd -d 'The document, as an XML Schema'
 complete -c zorlab -n '__fish_seen_subcommand_from schema' -l sql -d 'The database, as SQL statements'
 complete -c zorlab -n '__fish_seen_subcommand_from schema' -l md -d 'A reference page of all tables'
-complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l client -x \
+complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l client -x -a '(__zorlab_names)' \
     -d 'With the configuration document of this client'
-complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l config -x -d 'That configuration of the client'
+complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l config -x -a '(__zorlab_bundled)' \
+    -d 'That configuration of the client'
 complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l output -r -F -d 'The archive'
 complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l force -d 'Replace the files that stand there'
 complete -c zorlab -n '__fish_seen_subcommand_from bundle' -l mask -d 'Stand-ins for names and addresses'

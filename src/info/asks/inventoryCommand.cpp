@@ -127,7 +127,7 @@ class TreeText {
     }
 
     void entry(std::size_t indent, const char* key, const std::string& name, const std::string& note = {}) {
-        const bool isAsItIs = isWritable(name) && shown(name) == name;
+        const bool isAsItIs = isWritable(name);
         m_session.out() << std::string(indent, ' ') << m_session.colored(std::string(key) + "=", color::DIM)
                         << shown(name) << m_session.colored(note, color::DIM)
                         << (isAsItIs ? "" : "  (the file can't name it)") << '\n';

@@ -106,14 +106,13 @@ void learnLines(const std::string& text, Mask& mask) {
 void addDocument(Bundle& bundle, const BundleQuestions& questions) {
     if (questions.client.empty())
         return;
-    const std::string what = "configuration " + questions.config + " of client " + questions.client;
     const Outcome outcome =
         withinLimit(questions.limit, [&] { return askDocument(questions.client, questions.config); });
     if (outcome.isDone)
-        bundle.add("client/" + pathPart(questions.client) + "/" + pathPart(questions.config) + ".xml",
-                   what + ", as the recovery database has it", Form::Document, outcome.text);
+        bundle.add("client/configuration.xml", "the client's configuration, as the recovery database has it",
+                   Form::Document, outcome.text);
     else
-        bundle.miss(what, outcome.text, true);
+        bundle.miss("the client's configuration", outcome.text, true);
 }
 
 void addCheck(Bundle& bundle, const BundleQuestions& questions) {
@@ -140,6 +139,7 @@ void learnInput(Bundle& bundle, const B2VInput& input) {
     mask.learn(NameKind::Network, input.vmNetwork);
     mask.learn(NameKind::Profile, input.profileName);
     mask.learn(NameKind::Store, input.dataStore);
+    mask.learn(NameKind::Store, input.toolsIsoPath);
     for (const DiskDataStoreEntry& entry : input.diskMap)
         mask.learn(NameKind::Store, entry.dataStoreName);
 }
@@ -149,12 +149,12 @@ void learnFromDaemons(Bundle& bundle, const BundleQuestions& questions, const B2
     if (rows.isDone)
         learnFrom(Form::Document, rows.text, bundle.mask());
     else
-        bundle.miss("the recovery database's names, for the mask", rows.text, true);
+        bundle.missNames("the recovery database's names, for the mask", rows.text);
     const Outcome inventory = withinLimit(questions.limit, [&] { return askInventory(input); });
     if (inventory.isDone)
         learnLines(inventory.text, bundle.mask());
     else
-        bundle.miss("the inventory's names, for the mask", inventory.text, true);
+        bundle.missNames("the inventory's names, for the mask", inventory.text);
 }
 
 } // namespace Zorvane

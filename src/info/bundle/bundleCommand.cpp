@@ -8,11 +8,9 @@
 #include "info/Session.h"
 #include "info/bundle/askedMembers.h"
 #include "info/check/CollectedFindings.h"
-#include "info/paragraphs.h"
 #include "info/passedOptions.h"
 #include "info/subcommands.h"
 #include "logging/Trace.h"
-#include "suite/printable.h"
 
 #include <algorithm>
 #include <memory>
@@ -31,8 +29,9 @@ constexpr const char* HELP = "With options of zorb2v behind it, what stands agai
                              "client's configuration and the file "
                              "that -veconfig names are in the archive, too.\n"
                              "Exit status: 0 the archive is written; 2 wrong usage; 3 it can't be written, "
-                             "or a daemon did not answer and its "
-                             "part is missing; the archive's README.txt tells which.";
+                             "or a "
+                             "part of it could not be had, such as the answer of a daemon; its README.txt "
+                             "tells which.";
 
 constexpr int LONGEST_WAIT = 3600;
 
@@ -80,13 +79,13 @@ BundleQuestions questionsOf(const BundleCommand& command, const std::vector<std:
 }
 
 void gather(Bundle& bundle, const BundleQuestions& questions, const Conversion& conversion) {
-    addMachineFacts(bundle, {{"CLI11", CLI11_VERSION}},
-                    {"KVN_CONF", "NO_COLOR", "TERM", "LC_ALL", "LC_MESSAGES", "LC_CTYPE", "LANG"});
+    addMachineFacts(bundle, {{"CLI11", CLI11_VERSION}});
     // First the logs: at a high level the questions below write more of them than the archive takes.
     addSite(bundle);
     bundle.mask().learn(NameKind::Client, questions.client);
+    learnInput(bundle, conversion.input);
     if (!conversion.file.empty()) {
-        learnInput(bundle, conversion.input);
+        bundle.mask().learn(NameKind::Folder, conversion.file);
         bundle.addFile("target.conf", "the file behind -veconfig", Form::Text, conversion.file);
     }
     addServers(bundle, std::min(questions.limit, std::chrono::seconds(5)));
@@ -109,17 +108,6 @@ Json documentOf(const Bundle& bundle) {
         {"members", members},           {"missing", missing}};
 }
 
-void writeReport(const Bundle& bundle, const Session& session) {
-    std::ostream& out = session.out();
-    const BundleOptions& options = bundle.options();
-    out << Suite::printable(options.output) << ": " << bundle.members().size() << " members, "
-        << bundle.size() << " bytes" << (options.isMasked ? ", masked" : "") << '\n';
-    if (!options.legend.empty())
-        out << Suite::printable(options.legend) << ": what the stand-ins stand for; not to be sent\n";
-    for (const MissingMember& each : bundle.missing())
-        out << paragraph("missing: " + each.what + ": " + each.why, 2, 4);
-}
-
 void run(const BundleCommand& command, const std::vector<std::string>& words, Session& session) {
     ClassTrace trace(g_appLog, "bundleCommand:run()", ", client=", command.client);
     const auto unknown =
@@ -139,7 +127,7 @@ void run(const BundleCommand& command, const std::vector<std::string>& words, Se
         if (session.isJson())
             session.writeJson(documentOf(bundle));
         else
-            writeReport(bundle, session);
+            session.out() << bundle.report();
         if (bundle.hasFailures())
             session.m_exit = InfoExit::NOT_ASKED;
     } catch (const BundleFailure& failure) {

@@ -137,16 +137,24 @@ std::string statusText(int status) {
     return "the catalogue's command ended with status " + std::to_string(status);
 }
 
-// Why a conversion does not take the file from the image.
+// Why a conversion does not take the file from the image. It lists the images up to the configuration's date,
+// and of its policy if it names one. The first full one tells the policy to go on with: the newest full image
+// of that must hold the files, be it newer than the configuration.
 std::string objectionTo(const Image& image, const Backups& backups) {
+    const auto isNewer = [&](const Image& any) { return backups.taken != 0 && any.time > backups.taken; };
+    const auto first = std::find_if(backups.images.begin(), backups.images.end(), [&](const Image& any) {
+        return any.isFull() && !isNewer(any) && (backups.policy.empty() || any.policy == backups.policy);
+    });
+    const bool isSearched = first != backups.images.end();
+    const std::string& policy = isSearched ? first->policy : backups.policy;
     std::string text;
     const auto add = [&](const std::string& reason) { text += (text.empty() ? "" : " and ") + reason; };
     if (!image.isFull())
         add("is no full one (" + image.scheduleType + ")");
-    if (backups.taken != 0 && image.time > backups.taken)
+    if (!isSearched && isNewer(image))
         add("is newer than the configuration of " + dateText(backups.taken));
-    if (!backups.policy.empty() && image.policy != backups.policy)
-        add("is of another policy than the configuration's, \"" + backups.policy + "\"");
+    if (!policy.empty() && image.policy != policy)
+        add("is of another policy than the one that is searched, \"" + policy + "\"");
     if (!text.empty())
         return text;
     const bool isNewest = std::none_of(backups.images.begin(), backups.images.end(), [&](const Image& other) {

@@ -3,6 +3,7 @@
 
 #include "info/Session.h"
 #include "platform/stringManipulation.h"
+#include "suite/printable.h"
 
 #include <algorithm>
 #include <tuple>
@@ -165,7 +166,7 @@ DraftValue choose(const char* key, const char* note, Names names) {
 }
 
 std::string noted(const std::string& text) {
-    return "#= " + text + "\n";
+    return "#= " + Suite::printable(text) + "\n"; // a name must not begin a line of its own
 }
 
 } // namespace
@@ -179,7 +180,8 @@ std::string freeName(const std::string& client, const std::vector<std::string>& 
 }
 
 bool isWritable(const std::string& value) {
-    return !value.empty() && !value.starts_with('"') && value.find_first_of("=\r\n") == std::string::npos;
+    return !value.empty() && !value.starts_with('"') && value.find('=') == std::string::npos &&
+           Suite::printable(value) == value;
 }
 
 DiskPlacement placeDisks(std::vector<ClientDisk> disks,
@@ -226,9 +228,7 @@ TargetDraft draftTarget(const B2VInput& input) {
         {"esxhost", host->name,
          search.others().empty()
              ? "The first ESX host that has room for the disks."
-             : "The first ESX host that has room for the disks. Another one has a resource "
-               "pool, networks and\n#= data stores of its own; zorinfo inventory shows "
-               "them.",
+             : "The first ESX host that has room for the disks; zorinfo inventory shows what others have.",
          search.others()});
     if (target.isVCenter) {
         draft.values.push_back({"datacenter", dataCenter->name, "The data center of the host."});

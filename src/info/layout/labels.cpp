@@ -43,13 +43,6 @@ Letter letterAt(std::string_view text, std::size_t at) {
     return {code, length, true};
 }
 
-// Beyond ASCII: controls, direction marks, separators of lines, and what XML has no place for.
-bool isHarmful(char32_t code) {
-    return (code >= 0x80 && code < 0xA0) || (code >= 0x200B && code <= 0x200F) ||
-           (code >= 0x2028 && code <= 0x202E) || (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF ||
-           (code & 0xFFFE) == 0xFFFE;
-}
-
 // "NTFS" is a name, "GPT_BASIC_DATA" is a word.
 std::string detailOf(const LayoutNode& node) {
     std::string detail = shown(node.detail);
@@ -73,7 +66,7 @@ std::string shown(std::string_view text, std::size_t limit) {
             return made.substr(0, lastButOne) + std::string(ELLIPSIS);
         lastButOne = made.size();
         const Letter letter = letterAt(clean, at);
-        if (letter.isValid && !isHarmful(letter.code))
+        if (letter.isValid)
             made += clean.substr(at, letter.length);
         else
             made += REPLACEMENT;

@@ -2,6 +2,7 @@
 #include "info/layout/svgElements.h"
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 
 namespace Zorvane {
@@ -10,7 +11,7 @@ namespace {
 
 // One decimal, with a point in any locale. Nothing in a drawing is negative.
 std::string number(double value) {
-    const auto tenths = static_cast<unsigned long long>(value * 10 + 0.5);
+    const auto tenths = std::llround(value * 10);
     return std::to_string(tenths / 10) + (tenths % 10 == 0 ? "" : '.' + std::to_string(tenths % 10));
 }
 
