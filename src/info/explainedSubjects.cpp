@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info/explainedSubjects.h"
 
+#include "bundle/utf8.h"
 #include "info/paragraphs.h"
-#include "platform/stringManipulation.h"
 
 #include <algorithm>
 #include <charconv>
@@ -88,11 +88,6 @@ std::string_view headingOf(const Subject& subject) {
     return isShared(subject)    ? "Messages of the shared code (set 128)"
            : isMessage(subject) ? "Messages of the command (set 433)"
                                 : "Findings";
-}
-
-std::string replaced(std::string text, const std::string& from, const std::string& to) {
-    StrReplace(text, from, to, true);
-    return text;
 }
 
 // A sentence a line, where it has room.

@@ -127,10 +127,9 @@ class TreeText {
     }
 
     void entry(std::size_t indent, const char* key, const std::string& name, const std::string& note = {}) {
-        const bool isAsItIs = isWritable(name);
         m_session.out() << std::string(indent, ' ') << m_session.colored(std::string(key) + "=", color::DIM)
                         << shown(name) << m_session.colored(note, color::DIM)
-                        << (isAsItIs ? "" : "  (the file can't name it)") << '\n';
+                        << (isWritable(name) ? "" : "  (the file can't name it)") << '\n';
     }
 
     void missing(std::size_t indent, const std::string& what, const std::string& place) {
