@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/commandLine.h"
-#include "platform/standardDescriptors.h"
+#include "platform/processSetup.h"
 
 #include <clocale>
 
@@ -9,7 +9,7 @@
 int main(int argc, char** argv) {
     // A lab is its owner's: its rows may be a copy of a real site's.
     ::umask(S_IRWXG | S_IRWXO);
-    Zorvane::OccupyStandardDescriptors();
+    Zorvane::SetUpProcess();
     // Names go from documents to the database and back in one encoding, whatever the terminal has.
     std::setlocale(LC_ALL, "C.UTF-8");
     return Zorvane::runZorlab(argc, argv);

@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bundle/utf8.h"
 
+#include "suite/utf8.h"
+
 #include <algorithm>
 #include <clocale>
 #include <cwctype>
 #include <optional>
 
-#include <iconv.h>
 #include <langinfo.h>
 
 namespace Zorvane {
 
 namespace {
-
-constexpr std::size_t MOST_GROWTH = 4; // of a byte
 
 unsigned char byteAt(std::string_view text, std::size_t at) {
     return static_cast<unsigned char>(text[at]);
@@ -28,35 +27,17 @@ bool startsLetter(unsigned char c) {
     return c >= 0xC3 && c <= 0xDF;
 }
 
-// Nothing if the text is not in that code set.
-std::optional<std::string> converted(std::string_view text, const char* codeSet) {
-    const iconv_t conversion = ::iconv_open("UTF-8", codeSet);
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv's failure
-    if (conversion == reinterpret_cast<iconv_t>(-1))
-        return std::nullopt;
-    std::string out(MOST_GROWTH * text.size(), '\0');
-    char* from = const_cast<char*>(text.data()); // iconv's prototype; it only reads
-    char* to = out.data();
-    std::size_t left = text.size(), room = out.size();
-    const bool isDone = ::iconv(conversion, &from, &left, &to, &room) == 0;
-    ::iconv_close(conversion);
-    out.resize(out.size() - room);
-    return isDone ? std::optional(std::move(out)) : std::nullopt;
-}
-
 std::string lineToUtf8(std::string_view line) {
     for (const char* codeSet : {"UTF-8", environmentLocale().codeSet.c_str(), "EUC-JP", "ISO-8859-1"})
-        if (auto text = converted(line, codeSet))
+        if (auto text = Suite::inCodeSet(line, codeSet, "UTF-8"))
             return *std::move(text);
     return {};
 }
 
 // Puts the small form of the letter of two or three bytes there, if it takes as many.
-void foldLetter(std::string& text, std::size_t at, std::size_t size) {
+void foldLetter(std::string& text, std::size_t at, const Suite::Utf8Character& letter) {
     static const locale_t locale = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    std::wint_t code = byteAt(text, at) & (0xFFU >> (size + 1));
-    for (std::size_t i = 1; i < size; ++i)
-        code = code << 6 | (byteAt(text, at + i) & 0x3FU);
+    const auto [code, size, isValid] = letter;
     std::wint_t small = locale ? ::towlower_l(code, locale) : code;
     if (small == code || (size == 2 ? small < 0x80 || small > 0x7FF : small < 0x800 || small > 0xFFFF))
         return;
@@ -79,7 +60,7 @@ const EnvironmentLocale& environmentLocale() {
 }
 
 std::string toUtf8(std::string_view text) {
-    if (auto whole = converted(text, "UTF-8"))
+    if (auto whole = Suite::inCodeSet(text, "UTF-8", "UTF-8"))
         return *std::move(whole);
     std::string out;
     while (!text.empty()) {
@@ -92,20 +73,21 @@ std::string toUtf8(std::string_view text) {
 
 std::string folded(std::string_view text) {
     std::string small(text);
-    for (std::size_t at = 0, size = 0; at < small.size(); at += size) {
-        const unsigned char first = byteAt(small, at);
-        size = first < 0xC0 ? 1 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-        if (first >= 'A' && first <= 'Z')
-            small[at] = static_cast<char>(first - 'A' + 'a');
-        else if ((size == 2 || size == 3) && at + size <= small.size())
-            foldLetter(small, at, size);
+    for (std::size_t at = 0; at < small.size();) {
+        const Suite::Utf8Character letter = Suite::utf8CharacterAt(small, at);
+        if (letter.code >= 'A' && letter.code <= 'Z')
+            small[at] = static_cast<char>(letter.code - 'A' + 'a');
+        else if (letter.length == 2 || letter.length == 3)
+            foldLetter(small, at, letter);
+        at += letter.length;
     }
     return small;
 }
 
 bool isWordBefore(std::string_view text, std::size_t at) {
-    return at > 0 && (isAsciiWord(byteAt(text, at - 1)) || (at > 1 && (byteAt(text, at - 1) & 0xC0) == 0x80 &&
-                                                            startsLetter(byteAt(text, at - 2))));
+    return at > 0 &&
+           (isAsciiWord(byteAt(text, at - 1)) ||
+            (at > 1 && Suite::isUtf8Continuation(text[at - 1]) && startsLetter(byteAt(text, at - 2))));
 }
 
 bool isWordAt(std::string_view text, std::size_t at) {

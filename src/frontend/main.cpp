@@ -2,7 +2,7 @@
 #include "frontend/zorPreMain.h"
 #include "frontend/zorb2v.h"
 #include "logging/CZorLog.h"
-#include "platform/standardDescriptors.h"
+#include "platform/processSetup.h"
 
 #include <new>
 
@@ -11,7 +11,7 @@
 int main(int argc, char** argv) {
     // First of all, so that the log files are subject to it.
     umask(S_IWGRP | S_IWOTH);
-    Zorvane::OccupyStandardDescriptors();
+    Zorvane::SetUpProcess();
     std::set_new_handler(Zorvane::zorNewHandler);
     return Zorvane::ZorPreMain(argc, argv, Zorvane::ZOR_PRODUCT_ID, Zorvane::ZOR_COMMAND_ORIGINATOR,
                                Zorvane::zormain);

@@ -156,6 +156,7 @@ int parseVEconfig(const std::string& path, B2VInput& input, Findings& findings, 
     }
     Reading reading{.trace = trace, .input = input, .findings = findings};
     std::istringstream file(*text);
+    file.exceptions(std::ios::badbit); // a lack of memory has to be thrown on, and not to end the file early
     for (std::string line; std::getline(file, line);) {
         ++reading.line;
         line = StripTrailingChar(line, '\n');

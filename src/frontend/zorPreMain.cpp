@@ -3,6 +3,7 @@
 
 #include "logging/CErrorMsg.h"
 #include "logging/Trace.h"
+#include "suite/terminal.h"
 
 #include <clocale>
 #include <cstdio>
@@ -42,6 +43,11 @@ void setUpLogging(std::uint64_t productId, std::uint64_t originatorId) {
     g_errorMsg = new CErrorMsg;
 }
 
+// Takes no memory: there may be none.
+void tell(const char* program, const char* what) {
+    (void)(Suite::writeTerminal(stderr, program) && Suite::writeTerminal(stderr, what));
+}
+
 } // namespace
 
 void zorNewHandler() {
@@ -58,7 +64,7 @@ int ZorPreMain(std::int32_t argc, char** argv, std::uint64_t productId, std::uin
         setUpLogging(productId, originatorId);
         g_appLog->WriteDebugMsg(DEBUG_FLAGS, LEVEL_TRACE, LABEL, localeText, " line=", __LINE__);
     } catch (...) {
-        std::fprintf(stderr, "%s logging setup exception. Halting..\n", program);
+        tell(program, " logging setup exception. Halting..\n");
         return ZOR_STRAY_EXCEPTION;
     }
     try {
@@ -66,7 +72,7 @@ int ZorPreMain(std::int32_t argc, char** argv, std::uint64_t productId, std::uin
     } catch (const std::bad_alloc&) {
         g_libLog->WriteDebugMsg(g_msgFlags, LEVEL_FAILURE, LABEL, program,
                                 " ran out of memory. Halting, line=", __LINE__);
-        std::fprintf(stderr, "%s ran out of memory. Halting..\n", program);
+        tell(program, " ran out of memory. Halting..\n");
         return ZOR_OUT_OF_MEMORY;
     } catch (...) {
         g_libLog->WriteAppMsg(g_msgFlags, SEVERITY_ERROR, MSG_STRAY_EXCEPTION, program);

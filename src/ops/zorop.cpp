@@ -5,6 +5,7 @@
 #include "logging/Trace.h"
 
 #include <memory>
+#include <new>
 
 namespace Zorvane {
 
@@ -38,6 +39,8 @@ int callForText(int operation, int resource, const ZorOpParameters& parameters, 
     const std::unique_ptr<unsigned char[]> text(out);
     if (text)
         output.write(reinterpret_cast<const char*>(text.get()), length);
+    if (!output) // the stream keeps the exception to itself, and half an output reads like a whole one
+        throw std::bad_alloc();
     return rc;
 }
 

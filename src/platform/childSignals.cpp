@@ -133,6 +133,7 @@ void ForwardedSignals::resetToDefault() const noexcept {
     for (int signal = 1; signal <= SignalCount; ++signal)
         if (m_previous[static_cast<std::size_t>(signal - 1)])
             std::signal(signal, SIG_DFL);
+    std::signal(SIGXFSZ, SIG_DFL); // which this program ignores
 }
 
 HandlerMayLog::HandlerMayLog() noexcept {

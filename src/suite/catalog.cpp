@@ -3,6 +3,7 @@
 
 #include "suite/configuration.h"
 #include "suite/printable.h"
+#include "suite/utf8.h"
 
 #include <algorithm>
 #include <cctype>
@@ -12,7 +13,6 @@
 #include <map>
 #include <string_view>
 
-#include <iconv.h>
 #include <langinfo.h>
 #include <nl_types.h>
 
@@ -75,8 +75,8 @@ fs::path directory() {
     std::error_code error;
     if (fs::is_directory(STANDARD_DIRECTORY, error))
         return STANDARD_DIRECTORY;
-    // A build tree, or a copy of it in any place: <somewhere>/bin beside <somewhere>/share. In the suite's tree,
-    // when it stands in another place, share is one folder further up.
+    // A build tree, or a copy of it in any place: <somewhere>/bin beside <somewhere>/share. In the suite's
+    // tree, when it stands in another place, share is one folder further up.
     const fs::path top = fs::read_symlink("/proc/self/exe", error).parent_path().parent_path();
     const fs::path beside = top / "share" / "locale";
     return fs::is_directory(beside, error) ? beside : top.parent_path() / "share" / "locale";
@@ -88,21 +88,7 @@ std::optional<std::string> toNative(std::string_view text) {
     const std::string_view codeSet = ::nl_langinfo(CODESET);
     if (codeSet == "UTF-8" || std::ranges::all_of(text, [](unsigned char byte) { return byte < 0x80; }))
         return std::string(text);
-    const iconv_t conversion = ::iconv_open(codeSet.data(), "UTF-8");
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv's failure
-    if (conversion == reinterpret_cast<iconv_t>(-1))
-        return std::nullopt;
-    // The widest growth is from two bytes to four, in GB 18030.
-    std::string out(2 * text.size(), '\0');
-    char* from = const_cast<char*>(text.data()); // iconv's prototype; it only reads
-    char* to = out.data();
-    std::size_t left = text.size();
-    std::size_t room = out.size();
-    // The result counts characters that were replaced by similar ones: they don't do.
-    const bool isWritten = ::iconv(conversion, &from, &left, &to, &room) == 0;
-    ::iconv_close(conversion);
-    out.resize(out.size() - room);
-    return isWritten ? std::optional(out) : std::nullopt;
+    return inCodeSet(text, "UTF-8", codeSet.data());
 }
 
 // English is written in the characters that all code sets have, so that no message is lost to a code set.

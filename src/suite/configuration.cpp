@@ -5,6 +5,7 @@
 #include "suite/configurationDocument.h"
 #include "suite/descriptor.h"
 #include "suite/printable.h"
+#include "suite/terminal.h"
 
 #include <cerrno>
 #include <cmath>
@@ -142,7 +143,7 @@ Configuration ConfigurationFile::load(const std::optional<std::string>& text, in
     else if (chosen || (error != ENOENT && error != ENOTDIR))
         complaints = printable(m_path) + ": " + std::strerror(error) + "; there is no configuration\n";
     if (complaints != m_told)
-        std::fputs(complaints.c_str(), stderr);
+        (void)writeTerminal(stderr, complaints);
     m_told = complaints;
     return out;
 }

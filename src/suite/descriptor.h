@@ -11,8 +11,11 @@ namespace Zorvane::Suite {
 class Descriptor {
   public:
     explicit Descriptor(int descriptor) noexcept : m_descriptor(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
+    Descriptor(Descriptor&& other) noexcept : m_descriptor(other.release()) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(m_descriptor, other.m_descriptor);
+        return *this;
+    }
     ~Descriptor() {
         if (isOpen())
             ::close(m_descriptor);

@@ -32,10 +32,10 @@ std::optional<int> readNumber(int socket) {
 } // namespace
 
 int kvnrd_connect(const char* master, const char* client, const char* user, int, int* socket) {
+    const std::string greeting = std::string(client) + " " + user;
     if (const int status = kvlink_connect_to_service(master, "kvnrd", 0, 0, 0, 0, socket))
         return status;
     Zorvane::Suite::startConversation(*socket);
-    const std::string greeting = std::string(client) + " " + user;
     const int status = put_string(*socket, greeting.c_str(), "greeting") != 0
                            ? KVN_STATUS_WRITE_FAILED
                            : readNumber(*socket).value_or(KVN_STATUS_READ_FAILED);
@@ -61,14 +61,15 @@ int get_kvnrdRCVD(int socket, int) {
 int put_string(int socket, const char* text, const char*) {
     if (!text || std::strchr(text, '\n'))
         return errno = EINVAL;
-    const std::string line = std::string(text) + "\n";
-    for (std::size_t sent = 0; sent < line.size();) {
-        const ssize_t count = Zorvane::Suite::sendPiece(socket, line.data() + sent, line.size() - sent);
-        if (count >= 0)
-            sent += static_cast<std::size_t>(count);
-        else if (errno != EINTR)
-            return errno;
-    }
+    // Not joined: that would take memory, whose lack would leave the connection to nobody.
+    for (std::string_view piece : {std::string_view(text), std::string_view("\n")})
+        while (!piece.empty()) {
+            const ssize_t count = Zorvane::Suite::sendPiece(socket, piece.data(), piece.size());
+            if (count >= 0)
+                piece.remove_prefix(static_cast<std::size_t>(count));
+            else if (errno != EINTR)
+                return errno;
+        }
     return 0;
 }
 

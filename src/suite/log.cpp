@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The log channels: a rotated file for each originator, and the terminal for the user's messages.
 #include "suite/FileWatch.h"
+#include "suite/LogFile.h"
 #include "suite/catalog.h"
 #include "suite/configuration.h"
-#include "suite/descriptor.h"
 #include "suite/printable.h"
 #include "suite/quul.h"
 #include "suite/terminal.h"
@@ -14,10 +14,8 @@
 #include <cstring>
 #include <memory>
 
-#include <fcntl.h>
 #include <spdlog/fmt/fmt.h>
 #include <spdlog/pattern_formatter.h>
-#include <spdlog/sinks/rotating_file_sink.h>
 #include <sys/stat.h>
 #include <syslog.h>
 
@@ -25,43 +23,7 @@ namespace Zorvane::Suite {
 
 namespace {
 
-// A sink and no logger in front of it: a logger tells its failures on standard error.
-using LogFile = spdlog::sinks::rotating_file_sink_st;
-
-// Why no file can be written at a path, or 0. Makes the last folder if that is all that is missing.
-int whyNotWritable(const std::string& directory, const std::string& path) {
-    if (::mkdir(directory.c_str(), 0755) != 0 && errno != EEXIST)
-        return errno;
-    // Many may write into the folder: what stands in the file's place may be a pipe, which would block, or a
-    // link to a file that is none of theirs.
-    const Descriptor file(::open(
-        path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW, 0644));
-    struct stat facts {};
-    if (!file.isOpen() || ::fstat(file.get(), &facts) != 0)
-        return errno;
-    return S_ISREG(facts.st_mode) ? 0 : EINVAL;
-}
-
-// Whether an opened file is what stands at its path: no link was put there since it was looked at.
-bool isPlainlyAt(const std::string& path, std::FILE* file) {
-    struct stat opened {};
-    struct stat there {};
-    return ::fstat(::fileno(file), &opened) == 0 && ::lstat(path.c_str(), &there) == 0 &&
-           opened.st_dev == there.st_dev && opened.st_ino == there.st_ino;
-}
-
-std::unique_ptr<LogFile> openFile(const std::string& path, const Configuration& config) {
-    spdlog::file_event_handlers events;
-    events.after_open = [](const spdlog::filename_t& opened, std::FILE* file) {
-        ::fcntl(::fileno(file), F_SETFD, FD_CLOEXEC);
-        if (!isPlainlyAt(opened, file))
-            throw spdlog::spdlog_ex("the log is a link");
-    };
-    auto file = std::make_unique<LogFile>(path, config.logMaxBytes, config.logMaxFiles, false, events);
-    file->set_formatter(std::make_unique<spdlog::pattern_formatter>("%Y-%m-%dT%H:%M:%S.%eZ %P %v",
-                                                                    spdlog::pattern_time_type::utc));
-    return file;
-}
+constexpr const char* LINE_PATTERN = "%Y-%m-%dT%H:%M:%S.%eZ %P %v";
 
 void setLevels(mrthLogHandle_t& handle) {
     // Without a file nothing would come of a statement, so no level lets one pass.
@@ -75,7 +37,7 @@ void setLevels(mrthLogHandle_t& handle) {
     handle.diagLevel = levels.diag;
 }
 
-mrthLogResult_t open(std::uint64_t product, std::uint64_t originator, mrthLogHandle_t& handle) {
+mrthLogResult_t open(std::uint64_t product, std::uint64_t originator, mrthLogHandle_t& handle) try {
     handle = {};
     handle.product = product;
     handle.originator = originator;
@@ -83,12 +45,20 @@ mrthLogResult_t open(std::uint64_t product, std::uint64_t originator, mrthLogHan
     if (!config.logDirectory.empty()) {
         const std::string path =
             config.logDirectory + "/" + std::to_string(product) + "-" + std::to_string(originator) + ".log";
-        if (const int error = whyNotWritable(config.logDirectory, path))
+        // Makes the last folder if that is all that is missing.
+        if (::mkdir(config.logDirectory.c_str(), 0755) != 0 && errno != EEXIST)
+            return errno;
+        auto file = std::make_unique<LogFile>(path, config.logMaxBytes, config.logMaxFiles);
+        if (const int error = file->open())
             return error;
-        handle.file = openFile(path, config).release();
+        file->set_formatter(
+            std::make_unique<spdlog::pattern_formatter>(LINE_PATTERN, spdlog::pattern_time_type::utc));
+        handle.file = file.release();
     }
     setLevels(handle);
     return 0;
+} catch (const std::bad_alloc&) {
+    return ENOMEM; // a file that is open already goes with its handle
 }
 
 std::string joined(const mrthLisArgs_t* arguments, std::string_view between) {
@@ -123,8 +93,8 @@ std::string lineHead(const mrthLogMsg_t& message) {
 void writeFile(LogFile& file, const mrthLogMsg_t& message, const std::string& text) {
     const std::string line = fmt::format("{} {} {} {}", message.handle->product, message.handle->originator,
                                          lineHead(message), printable(text));
+    // The sink alone: a logger in front of it tells its failures on standard error.
     file.log(spdlog::details::log_msg(spdlog::string_view_t(), spdlog::level::info, line));
-    file.flush();
 }
 
 mrthLogResult_t write(const mrthLogHandle_t& handle, const mrthLogMsg_t& message) {

@@ -1,31 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "suite/printable.h"
 
+#include "suite/utf8.h"
+
 #include <cwchar>
 #include <cwctype>
 
 namespace Zorvane::Suite {
 
 namespace {
-
-// The length of the UTF-8 character at the front of a text, or 0 if its bytes are none.
-std::size_t utf8Length(std::string_view text) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byte(0);
-    const std::size_t length = lead < 0x80   ? 1
-                               : lead < 0xc2 ? 0
-                               : lead < 0xe0 ? 2
-                               : lead < 0xf0 ? 3
-                               : lead < 0xf5 ? 4
-                                             : 0;
-    if (length > text.size())
-        return 0;
-    for (std::size_t i = 1; i < length; ++i)
-        if ((byte(i) & 0xc0) != 0x80)
-            return 0;
-    const bool overlong = (lead == 0xe0 && byte(1) < 0xa0) || (lead == 0xf0 && byte(1) < 0x90);
-    return overlong ? 0 : length;
-}
 
 // The length of the character at the front of a text in the process's locale, if it is a printable one of
 // several bytes, else 0. In Japanese and Chinese code sets such bytes look like controls.
@@ -37,15 +20,6 @@ std::size_t wideCharacterLength(std::string_view text) {
                              !std::iswcntrl(static_cast<std::wint_t>(character)) &&
                              !isInvisible(static_cast<char32_t>(character));
     return isPrintable ? length : 0;
-}
-
-// The code of a well-formed character of UTF-8.
-char32_t codeOf(std::string_view character) {
-    const auto lead = static_cast<unsigned char>(character[0]);
-    char32_t code = character.size() == 1 ? lead : lead & (0xFFU >> (character.size() + 1));
-    for (const char next : character.substr(1))
-        code = code << 6 | (static_cast<unsigned char>(next) & 0x3FU);
-    return code;
 }
 
 bool isControl(char32_t code) {
@@ -65,11 +39,9 @@ void appendEscape(std::string& out, char32_t code) {
         out += "\\t";
         break;
     default:
-        if (code > 0xFF)
-            out += {'\\', 'u', digits[code >> 12 & 15], digits[code >> 8 & 15]};
-        else
-            out += "\\x";
-        out += {digits[code >> 4 & 15], digits[code & 15]};
+        out += code > 0xFFFF ? "\\U" : code > 0xFF ? "\\u" : "\\x";
+        for (int shift = code > 0xFFFF ? 28 : code > 0xFF ? 12 : 4; shift >= 0; shift -= 4)
+            out += digits[code >> shift & 15];
     }
 }
 
@@ -91,14 +63,12 @@ std::string printable(std::string_view text) {
             continue;
         }
         // The second control set is one byte in an 8-bit code and C2 with that byte in UTF-8.
-        const std::size_t length = utf8Length(text);
-        const std::size_t taken = length == 0 ? 1 : length;
-        const char32_t code = length == 0 ? static_cast<unsigned char>(text[0]) : codeOf(text.substr(0, taken));
-        if (isControl(code) || (taken > 1 && isInvisible(code)))
+        const auto [code, length, isValid] = utf8CharacterAt(text, 0);
+        if (isControl(code) || (length > 1 && isInvisible(code)))
             appendEscape(out, code);
         else
-            out += text.substr(0, taken);
-        text.remove_prefix(taken);
+            out += text.substr(0, length);
+        text.remove_prefix(length);
     }
     return out;
 }

@@ -3,6 +3,7 @@
 #include "suite/quss.h"
 
 #include "suite/kvnclient.h"
+#include "suite/terminal.h"
 
 #include <cstdio>
 
@@ -11,10 +12,10 @@ namespace {
 int tellUnavailable() {
     static bool told = false;
     if (!told)
-        std::fputs(
+        (void)Zorvane::Suite::writeTerminal(
+            stderr,
             "The setting of quss in [master] of kvn.toml asks for secured connections, which this build "
-            "can't make. Set it to \"prohibited\", or use a build with the suite's own libraries.\n",
-            stderr);
+            "can't make. Set it to \"prohibited\", or use a build with the suite's own libraries.\n");
     told = true;
     return KVN_STATUS_NO_SECURITY;
 }

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <ctime>
 
+#include <poll.h>
 #include <pthread.h>
 #include <unistd.h>
 
@@ -47,8 +48,12 @@ bool writeTerminal(std::FILE* stream, std::string_view text) {
     std::fflush(stream);
     while (!text.empty()) {
         const ssize_t written = ::write(::fileno(stream), text.data(), text.size());
-        if (written < 0 && errno != EINTR)
+        if (written < 0 && errno == EAGAIN) { // a descriptor that somebody made non-blocking
+            pollfd space{::fileno(stream), POLLOUT, 0};
+            ::poll(&space, 1, -1);
+        } else if (written < 0 && errno != EINTR) {
             return false;
+        }
         text.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
     }
     return true;

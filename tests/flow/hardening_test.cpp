@@ -133,9 +133,10 @@ TEST(Hardening, whoListensChangesNothing) {
     const std::string command = ZOR_ZORB2V " -C ledger01.corp.example -vmserver vcenter01.lab.example -vmproxy "
                                            "convhost01.lab.example -veconfig " +
                                 lab.path("target");
-    for (const std::string around : {"", " <&- >&- 2>&-", " 2>&1 | :"}) {
+    for (const std::string around : {"", " <&- >&- 2>&-", " 2>&1 | :", " # no file may grow"}) {
         const std::string status = "; echo $? >" + lab.path("status") + ")";
-        lab.run("/bin/sh", {"-c", "(" + command + status + around});
+        const std::string limit = around.ends_with("grow") ? "ulimit -f 0; " : "";
+        lab.run("/bin/sh", {"-c", "((" + limit + command + ")" + status + around});
         EXPECT_EQ(contents(lab.path("status")), "1\n") << around;
         EXPECT_EQ(lab.sql("SELECT count(*) FROM ZOR_VmwareProfileOptions"), "0\n") << around;
     }

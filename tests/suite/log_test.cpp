@@ -11,8 +11,10 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
@@ -57,7 +59,9 @@ TEST(Printable, controlCharactersAreSpelledOut) {
         {"\xe4\xf6", "\xe4\xf6"},           // letters of an 8-bit code
         {"\xe0\x80\x9b", "\xe0\\x80\\x9b"}, // an overlong form hides nothing
         {"\xe2\x82", "\xe2\\x82"},          // a character cut short
+        {"\xed\xa0\x80\xf4\x90\x80\x80", "\xed\xa0\\x80\xf4\\x90\\x80\\x80"}, // no such codes
         {"a\xe2\x80\xa8" "b\xe2\x80\xae\xef\xbb\xbf", "a\\u2028b\\u202e\\ufeff"}, // lines and directions
+        {"\xf0\x9f\xbf\xbe", "\\U0001fffe"}
     };
     for (const auto& [text, shown] : cases)
         EXPECT_EQ(Zorvane::Suite::printable(text), shown);
@@ -154,6 +158,51 @@ TEST(Log, rotatesAndKeepsAsManyFilesAsTold) {
         ++files;
     }
     EXPECT_EQ(files, 3) << "the file and two old ones";
+}
+
+TEST(Log, noLineIsLostAmongManyWriters) {
+    const Scratch scratch;
+    const std::string logs = scratch.path("logs");
+    scratch.configure("[logging]\ndirectory = \"" + logs + "\"\nmax_bytes = 2000\nmax_files = 1000\n");
+    constexpr int WRITERS = 4, LINES = 200;
+    for (int writer = 0; writer < WRITERS; ++writer)
+        if (::fork() == 0) {
+            Channel channel(433);
+            for (int i = 0; i < LINES; ++i)
+                channel.write(MRTH_LOG_DEBUG, 1, "a:b()", 0, "all of them");
+            ::_exit(0);
+        }
+    while (::wait(nullptr) > 0) {
+    }
+    int lines = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(logs)) {
+        std::istringstream text(scratch.read("logs/" + entry.path().filename().string()));
+        for (std::string line; std::getline(text, line); ++lines)
+            EXPECT_THAT(line, EndsWith("a:b() all of them"));
+    }
+    EXPECT_EQ(lines, WRITERS * LINES);
+}
+
+TEST(Log, whatStandsInTheWayOfATurnIsLeftAlone) {
+    const Scratch scratch;
+    const std::string logs = scratch.path("logs");
+    const std::string log = logs + "/51216-433.log";
+    scratch.configure("[logging]\ndirectory = \"" + logs + "\"\nmax_bytes = 1024\nmax_files = 2\n");
+    scratch.write("victim", "not a log");
+    std::filesystem::create_directories(logs + "/51216-433.2.log/full");
+    const auto fill = [](Channel& channel) {
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ(channel.write(MRTH_LOG_DEBUG, 1, "a:b()", 0, std::string(300, 'x').c_str()), 0);
+    };
+    Channel channel(433);
+    fill(channel);
+    EXPECT_GT(std::filesystem::file_size(log), 1024U) << "no place for the second old one: the log grows";
+    std::filesystem::remove(log);
+    std::filesystem::create_symlink(scratch.path("victim"), log);
+    fill(channel);
+    EXPECT_EQ(scratch.read("victim"), "not a log");
+    std::filesystem::remove_all(logs);
+    fill(channel);
 }
 
 TEST(Log, fullDiskIsAResultAndNoNoise) {

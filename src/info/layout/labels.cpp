@@ -2,11 +2,13 @@
 #include "info/layout/labels.h"
 
 #include "suite/printable.h"
+#include "suite/utf8.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstdio>
+#include <functional>
 
 #include <wchar.h>
 
@@ -16,32 +18,6 @@ namespace {
 
 constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD";
 constexpr std::string_view ELLIPSIS = "\xE2\x80\xA6";
-
-struct Letter {
-    char32_t code = 0;
-    std::size_t length = 1; ///< bytes
-    bool isValid = false;
-};
-
-Letter letterAt(std::string_view text, std::size_t at) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char first = byte(at);
-    if (first < 0x80)
-        return {first, 1, true};
-    const std::size_t length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    static constexpr char32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (first < 0xC2 || first > 0xF4 || at + length > text.size())
-        return {};
-    char32_t code = first & (0xFFU >> (length + 1));
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byte(at + i) & 0xC0) != 0x80)
-            return {};
-        code = code << 6 | (byte(at + i) & 0x3FU);
-    }
-    if (code < least[length] || code > 0x10FFFF || (code >= 0xD800 && code <= 0xDFFF))
-        return {};
-    return {code, length, true};
-}
 
 // "NTFS" is a name, "GPT_BASIC_DATA" is a word.
 std::string detailOf(const LayoutNode& node) {
@@ -65,7 +41,7 @@ std::string shown(std::string_view text, std::size_t limit) {
         if (letters == limit)
             return made.substr(0, lastButOne) + std::string(ELLIPSIS);
         lastButOne = made.size();
-        const Letter letter = letterAt(clean, at);
+        const Suite::Utf8Character letter = Suite::utf8CharacterAt(clean, at);
         if (letter.isValid)
             made += clean.substr(at, letter.length);
         else
@@ -76,15 +52,13 @@ std::string shown(std::string_view text, std::size_t limit) {
 }
 
 std::size_t lettersIn(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char byte) {
-        return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-    }));
+    return static_cast<std::size_t>(std::ranges::count_if(text, std::not_fn(Suite::isUtf8Continuation)));
 }
 
 std::size_t terminalColumns(std::string_view text) {
     std::size_t columns = 0;
     for (std::size_t at = 0; at < text.size();) {
-        const Letter letter = letterAt(text, at);
+        const Suite::Utf8Character letter = Suite::utf8CharacterAt(text, at);
         const int width = ::wcwidth(static_cast<wchar_t>(letter.code));
         columns += width < 0 ? 1 : static_cast<std::size_t>(width);
         at += letter.length;
@@ -98,12 +72,12 @@ std::string shortened(std::string_view text, std::size_t columns) {
     const std::size_t room = columns > 0 ? columns - 1 : 0;
     std::size_t head = 0, tail = text.size();
     for (std::size_t next = 0; terminalColumns(text.substr(0, next)) <= room / 2;
-         next += letterAt(text, next).length)
+         next += Suite::utf8CharacterAt(text, next).length)
         head = next;
     while (terminalColumns(text.substr(tail)) < room - room / 2)
         do
             --tail;
-        while ((static_cast<unsigned char>(text[tail]) & 0xC0) == 0x80);
+        while (Suite::isUtf8Continuation(text[tail]));
     return std::string(text.substr(0, head)) + std::string(ELLIPSIS) + std::string(text.substr(tail));
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "info/layout/svgElements.h"
 
+#include "suite/utf8.h"
+
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -28,10 +30,6 @@ constexpr Widths BOLD = {35, 46,  52, 84, 70, 101, 88, 31,  46, 46, 53, 84, 38, 
                          69, 82,  84, 38, 38, 78,  64, 100, 84, 85, 74, 85, 77, 72,  69, 82, 78, 111, 77,
                          73, 73,  46, 37, 46, 84,  50, 50,  68, 72, 60, 72, 68, 44,  72, 72, 35, 35,  67,
                          35, 105, 72, 69, 72, 72,  50, 60,  48, 72, 66, 93, 65, 66,  59, 72, 37, 72,  84};
-
-bool isLetterStart(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
-}
 
 // What is not Latin may be a square.
 double emsOf(char byte, bool isBold) {
@@ -83,7 +81,7 @@ std::string cut(std::string_view text, double width, double fontSize, bool isBol
     double rest = width - widthOf(ellipsis, fontSize, isBold);
     std::size_t end = 0;
     for (std::size_t at = 0; at < text.size(); ++at) {
-        if (isLetterStart(text[at]))
+        if (!Suite::isUtf8Continuation(text[at]))
             end = at;
         rest -= widthOf(text.substr(at, 1), fontSize, isBold);
         if (rest < 0)
