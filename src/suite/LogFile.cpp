@@ -88,10 +88,8 @@ bool LogFile::isAtItsPath() const {
 
 // Whether the full file stands there no more: another writer has moved it aside, or this one does so now.
 bool LogFile::isOutOfItsPlace() const {
-    if (!isAtItsPath())
-        return true;
     const WriteLock lock(m_file.get());
-    return lock.isHeld() && (!isAtItsPath() || moveAside());
+    return !isAtItsPath() || (lock.isHeld() && moveAside());
 }
 
 // The oldest first, so that each finds its new place free. Stops where one can't be moved: the next would

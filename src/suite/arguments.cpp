@@ -60,6 +60,7 @@ std::int32_t mrthLisAddArg(mrthLisArgs_t* list, mrthLisAny_t* any) {
         return MRTH_LIS_BAD_ARGUMENT;
     if (list->count == list->capacity) {
         const std::uint32_t capacity = list->capacity == 0 ? 8 : 2 * list->capacity;
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): the cells are pointers
         auto* cells = static_cast<mrthLisAny_t**>(std::realloc(list->cells, capacity * sizeof list->cells[0]));
         if (!cells)
             return MRTH_LIS_NO_MEMORY;

@@ -40,16 +40,16 @@ using Addresses = std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)>;
 class AddressBook {
   public:
     const Addresses& find(const char* host, std::uint16_t port) {
-        const auto known = m_known.try_emplace({host, port}, nullptr, &::freeaddrinfo).first;
-        if (known->second)
-            return known->second;
-        addrinfo hints{};
-        hints.ai_socktype = SOCK_STREAM;
-        hints.ai_flags = AI_NUMERICSERV;
-        addrinfo* found = nullptr;
-        if (::getaddrinfo(host, std::to_string(port).c_str(), &hints, &found) == 0)
-            known->second.reset(found);
-        return known->second;
+        Addresses& known = m_known.try_emplace({host, port}, nullptr, &::freeaddrinfo).first->second;
+        if (!known) {
+            addrinfo hints{};
+            hints.ai_socktype = SOCK_STREAM;
+            hints.ai_flags = AI_NUMERICSERV;
+            addrinfo* found = nullptr;
+            if (::getaddrinfo(host, std::to_string(port).c_str(), &hints, &found) == 0)
+                known.reset(found);
+        }
+        return known;
     }
     void forget(const char* host, std::uint16_t port) { m_known.erase({host, port}); }
 

@@ -31,9 +31,10 @@ void readReport(std::istream& report, Ending& ending) {
         words >> kind >> name >> number;
         if (kind == "open")
             ending.leftOpen.push_back(line.substr(5));
-        else if (kind == "failed")
+        else if (kind == "failed") {
             ending.failed = true;
-        else if (kind == "end")
+            ending.failedAt = number;
+        } else if (kind == "end")
             ending.told = true;
         for (std::size_t i = 0; kind == "count" && i < CLASSES; ++i)
             if (name == CLASS_NAMES[i])

@@ -28,7 +28,8 @@ struct Ending {
     int status = -1;
     std::string out, err;
     bool told = false;   ///< the library's report is there; a program that is killed leaves none
-    bool failed = false; ///< the call that was to fail was reached
+    bool failed = false; ///< what was to fail was reached
+    long failedAt = 0;   ///< the connections that had been asked for by then
     std::array<long, CLASSES> calls{};
     std::vector<std::string> leftOpen; ///< what the descriptors are that were left open
     bool leftChildren = false;

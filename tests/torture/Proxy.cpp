@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <system_error>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -24,12 +26,9 @@ sockaddr_in loopback(std::uint16_t port) {
     return address;
 }
 
-int connectTo(std::uint16_t port) {
-    const int made = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+bool connectTo(int socket, std::uint16_t port) {
     const sockaddr_in address = loopback(port);
-    if (connect(made, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        shutdown(made, SHUT_RDWR);
-    return made;
+    return connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
 void sendAtOnce(int socket) {
@@ -51,14 +50,14 @@ bool sendAll(int to, std::string_view bytes, std::size_t piece) {
 } // namespace
 
 std::pair<int, std::uint16_t> bindToFreePort(bool listens) {
-    const int made = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    Descriptor made(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
     sockaddr_in address = loopback(0);
     socklen_t size = sizeof address;
-    bind(made, reinterpret_cast<const sockaddr*>(&address), size);
-    getsockname(made, reinterpret_cast<sockaddr*>(&address), &size);
-    if (listens)
-        listen(made, SOMAXCONN);
-    return {made, ntohs(address.sin_port)};
+    if (bind(made.get(), reinterpret_cast<const sockaddr*>(&address), size) != 0 ||
+        getsockname(made.get(), reinterpret_cast<sockaddr*>(&address), &size) != 0 ||
+        (listens && listen(made.get(), SOMAXCONN) != 0))
+        throw std::system_error(errno, std::generic_category(), "no free port for the torture");
+    return {made.release(), ntohs(address.sin_port)};
 }
 
 Proxy::Proxy(const std::vector<std::uint16_t>& ports) {
@@ -88,6 +87,8 @@ std::vector<Traffic> Proxy::end() {
     while (m_busy || poll(waiting.data(), waiting.size(), 0) > 0 || m_busy)
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     const std::lock_guard lock(m_lock);
+    if (m_error != 0)
+        throw std::system_error(m_error, std::generic_category(), "a connection to the lab failed by itself");
     return m_traffic;
 }
 
@@ -109,7 +110,12 @@ void Proxy::run() {
 }
 
 void Proxy::pass(int accepted, std::size_t service) {
-    const Descriptor client(accepted), daemon(connectTo(m_doors[service].target));
+    const Descriptor client(accepted), daemon(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!client.isOpen() || !connectTo(daemon.get(), m_doors[service].target)) {
+        const std::lock_guard lock(m_lock);
+        m_error = errno;
+        return;
+    }
     sendAtOnce(client.get());
     sendAtOnce(daemon.get());
     Damage damage;
@@ -118,14 +124,13 @@ void Proxy::pass(int accepted, std::size_t service) {
         const std::lock_guard lock(m_lock);
         damage = m_damage;
         number = m_traffic.size();
-        m_traffic.push_back({service, {}, {}});
+        m_traffic.push_back({service});
     }
-    Traffic traffic{service, {}, {}};
+    Traffic traffic{service};
     std::array<pollfd, 2> sides{pollfd{client.get(), POLLIN, 0}, pollfd{daemon.get(), POLLIN, 0}};
     std::array<char, 65536> buffer;
-    bool cut = false;
-    while (!cut && (sides[0].fd >= 0 || sides[1].fd >= 0) && poll(sides.data(), 2, -1) > 0)
-        for (std::size_t from = 0; from < 2 && !cut; ++from) {
+    while (!traffic.isCut && (sides[0].fd >= 0 || sides[1].fd >= 0) && poll(sides.data(), 2, -1) > 0)
+        for (std::size_t from = 0; from < 2 && !traffic.isCut; ++from) {
             if (sides[from].fd < 0 || sides[from].revents == 0)
                 continue;
             const bool isReply = from == 1;
@@ -141,14 +146,15 @@ void Proxy::pass(int accepted, std::size_t service) {
             if (number == damage.connection && isReply == damage.inReply &&
                 passed.size() + bytes.size() > damage.after) {
                 bytes = bytes.substr(0, damage.after - passed.size());
-                cut = true;
+                traffic.isCut = true;
             }
             passed += bytes;
             if (isReply)
                 std::this_thread::sleep_for(damage.delay);
             sendAll(to, bytes, isReply && damage.singleBytes ? 1 : bytes.size());
         }
-    if (cut) { // the daemon still has its say, so that nothing of it is under way when the run is looked at
+    if (traffic.isCut) {
+        // The daemon still has its say, so that nothing of it is under way when the run is looked at.
         shutdown(client.get(), SHUT_RDWR);
         shutdown(daemon.get(), SHUT_WR);
         while (recv(daemon.get(), buffer.data(), buffer.size(), 0) > 0)

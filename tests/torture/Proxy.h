@@ -31,7 +31,8 @@ struct Damage {
 /// What passed in one connection.
 struct Traffic {
     std::size_t service = 0; ///< the index of its port
-    std::string sent, received;
+    std::string sent{}, received{};
+    bool isCut = false;
 };
 
 class Proxy {
@@ -45,7 +46,8 @@ class Proxy {
     [[nodiscard]] std::uint16_t port(std::size_t index) const { return m_doors[index].port; }
     /// For the connections from now on, which are counted anew.
     void begin(const Damage& damage);
-    /// Waits until the daemons have closed every connection, and gives what passed since begin().
+    /// Waits until the daemons have closed every connection, and gives what passed since begin(). Throws
+    /// std::system_error if the proxy itself failed: that is no damage that was asked for.
     std::vector<Traffic> end();
 
   private:
@@ -63,12 +65,14 @@ class Proxy {
     std::mutex m_lock;
     Damage m_damage;
     std::vector<Traffic> m_traffic;
+    int m_error = 0; ///< of a connection that could not be passed on
     std::atomic<bool> m_busy = false;
     std::atomic<bool> m_stopped = false;
     std::thread m_thread;
 };
 
-/// A socket bound to a free port of the loopback and its number; it listens only if asked to.
+/// A socket bound to a free port of the loopback and its number; it listens only if asked to. Throws
+/// std::system_error.
 std::pair<int, std::uint16_t> bindToFreePort(bool listens);
 
 } // namespace Zorvane::Torture

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include <sqlite3.h>
+#include <sys/wait.h>
 
 namespace Zorvane::Torture {
 
@@ -23,6 +24,8 @@ constexpr int SANITIZER = 77;
 const std::set<int> STATUSES = {0, 1, 3, 10, 114};
 // The runner's code 2 is the child run's alone.
 const std::set<int> CHILD_STATUSES = {0, 1, 2, 3, 10, 114};
+// 3 is told before anything is recorded.
+const std::set<int> STATUSES_WITH_A_JOB = {0, 1, 10, 114};
 
 const char* const SANITIZER_OPTIONS = "exitcode=77:verify_asan_link_order=0:allocator_may_return_null=1:"
                                       "detect_leaks=1:abort_on_error=0:halt_on_error=1";
@@ -45,6 +48,7 @@ Site::Site() {
     m_closed = std::make_unique<Suite::Descriptor>(closed);
     m_closedPort = port;
     m_lab.serve();
+    expectLab();
     m_proxy = std::make_unique<Proxy>(readPorts(m_lab.path("lab/kvn.toml")));
     if (sqlite3_open(m_lab.path("lab/recovery.db").c_str(), &m_database) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(m_database));
@@ -54,6 +58,13 @@ Site::Site() {
 
 Site::~Site() {
     sqlite3_close(m_database);
+}
+
+void Site::expectLab() const {
+    siginfo_t ended{};
+    if (waitid(P_PID, static_cast<id_t>(m_lab.server()), &ended, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+        ended.si_pid != 0)
+        throw std::runtime_error("the lab is gone; its last words stand in this output");
 }
 
 std::vector<std::string> Site::select(const std::string& statement) {
@@ -88,12 +99,15 @@ Rows Site::rows() {
         return all;
     };
     Rows now{set("SELECT * FROM ZOR_VmwareProfileOptions"), set("SELECT * FROM ZOR_P2VRestoreTask"),
-             set("SELECT * FROM ZOR_DiskToDataStoreMap"), ""};
+             set("SELECT * FROM ZOR_DiskToDataStoreMap"),
+             set("SELECT task.* FROM ZOR_P2VRestoreTask task JOIN LAB_SubmittedJob ON TaskId = task.Id"), ""};
     for (const std::string& row :
          select("SELECT 'a task without its profile' FROM ZOR_P2VRestoreTask WHERE lower(ProfileName) NOT IN "
-                "(SELECT lower(ProfileName) FROM ZOR_VmwareProfileOptions) UNION ALL SELECT 'a disk without "
-                "its task' FROM "
-                "ZOR_DiskToDataStoreMap WHERE P2VRestoreTaskId NOT IN (SELECT Id FROM ZOR_P2VRestoreTask)"))
+                "(SELECT lower(ProfileName) FROM ZOR_VmwareProfileOptions) "
+                "UNION ALL SELECT 'a disk without its task' FROM ZOR_DiskToDataStoreMap WHERE "
+                "P2VRestoreTaskId NOT IN (SELECT Id FROM ZOR_P2VRestoreTask) "
+                "UNION ALL SELECT 'a job without its task' FROM LAB_SubmittedJob WHERE "
+                "TaskId NOT IN (SELECT Id FROM ZOR_P2VRestoreTask)"))
         now.broken += row;
     return now;
 }
@@ -117,8 +131,9 @@ void Site::writeFiles(const Run& run) {
 void Site::restore(const Run& run) {
     if (m_standsFor != run.name)
         writeFiles(run);
-    select("DELETE FROM ZOR_VmwareProfileOptions; DELETE FROM ZOR_DiskToDataStoreMap; DELETE FROM "
-           "ZOR_P2VRestoreTask");
+    // Numbers of tasks come again: what is left of a job would be that of a later task.
+    select("DELETE FROM ZOR_VmwareProfileOptions; DELETE FROM ZOR_DiskToDataStoreMap; "
+           "DELETE FROM ZOR_P2VRestoreTask; DELETE FROM LAB_SubmittedJob");
     select(run.before);
     m_initial = rows();
 }
@@ -126,11 +141,15 @@ void Site::restore(const Run& run) {
 Ending Site::make(const Run& run, Environment environment, const Damage& damage,
                   std::vector<Traffic>* traffic) {
     std::filesystem::remove_all(m_lab.path("log")); // each run begins with the same files
+    const auto rule = environment.find("TORTURE_FAIL");
+    std::string leakOptions = SANITIZER_OPTIONS;
+    if (rule != environment.end() && rule->second.starts_with("memory:"))
+        leakOptions += ":print_suppressions=0:suppressions=" TORTURE_LEAKS;
     environment.insert({{"KVN_CONF", m_lab.path("kvn.toml")},
                         {"LC_ALL", "C.UTF-8"},
                         {"ASAN_OPTIONS", SANITIZER_OPTIONS},
                         {"UBSAN_OPTIONS", SANITIZER_OPTIONS},
-                        {"LSAN_OPTIONS", SANITIZER_OPTIONS}});
+                        {"LSAN_OPTIONS", leakOptions}});
     std::vector<std::string> command = {TORTURE_CHILD_RUN};
     if (!run.options.empty()) {
         command = {TORTURE_ZORB2V,           "-vmserver", "vcenter01.lab.example", "-vmproxy",
@@ -140,7 +159,12 @@ Ending Site::make(const Run& run, Environment environment, const Damage& damage,
     }
     m_proxy->begin(damage);
     Ending ending = runProgram(command, std::move(environment), m_lab.path(""), LIMIT);
+    expectLab();
     auto passed = m_proxy->end();
+    if (const auto cut = std::ranges::find(passed, true, &Traffic::isCut); cut != passed.end()) {
+        ending.failed = true;
+        ending.failedAt = cut - passed.begin() + 1;
+    }
     if (traffic)
         *traffic = std::move(passed);
     return ending;
@@ -157,9 +181,12 @@ Model Site::model(const Run& run) {
     model.after = rows();
     restore(run);
     model.profiles = model.after.profiles;
-    if (model.ending.status != run.status || !model.ending.told || !model.after.broken.empty())
+    const std::size_t jobs = run.status == 0 && !run.options.empty() ? 1 : 0;
+    if (model.ending.status != run.status || !model.ending.told || !model.after.broken.empty() ||
+        model.after.jobs.size() != jobs)
         throw std::runtime_error(run.name + ": the undisturbed run ended with status " +
-                                 std::to_string(model.ending.status) + "\n" + model.ending.out +
+                                 std::to_string(model.ending.status) + " and " +
+                                 std::to_string(model.after.jobs.size()) + " jobs\n" + model.ending.out +
                                  model.ending.err + model.after.broken);
     return model;
 }
@@ -194,7 +221,7 @@ std::string list(const Rows& rows) {
     for (const auto* set : {&rows.profiles, &rows.tasks, &rows.disks})
         for (const std::string& row : *set)
             text += "\n    " + row;
-    return text;
+    return text + "\n    jobs: " + std::to_string(rows.jobs.size());
 }
 
 std::string wrongRows(const Rows& now, const Model& model, int status) {
@@ -207,11 +234,23 @@ std::string wrongRows(const Rows& now, const Model& model, int status) {
         (status == 0 || !hasNone ||
          !(hasProfiles || now.profiles == model.before.profiles || areLike(now.profiles, model.profiles))))
         return "status " + std::to_string(status) + " with rows that must not be:" + list(now) +
-               "\n  expected at most:" + list({model.profiles, model.after.tasks, model.after.disks, ""});
+               "\n  expected at most:" +
+               list({model.profiles, model.after.tasks, model.after.disks, model.after.jobs, ""});
     return {};
 }
 
-std::string wrongEnd(const Run& run, const Model& model, const Ending& ending, bool waitFails) {
+// A job that the daemon has taken on goes with a failure only if the failure came in the last exchange or
+// behind it: the daemon's word did not arrive, or could not be told.
+std::string wrongJobs(const Rows& now, const Model& model, const Ending& ending) {
+    if (ending.status == 0)
+        return now.jobs == model.after.jobs ? "" : "status 0 without the job";
+    const bool isLate = ending.failed && ending.failedAt == ending.calls[CLASS_connect];
+    if (now.jobs.empty() || (isLate && STATUSES_WITH_A_JOB.contains(ending.status)))
+        return {};
+    return "status " + std::to_string(ending.status) + " with a job submitted";
+}
+
+std::string wrongEnd(const Run& run, const Model& model, const Case& test, const Ending& ending) {
     const bool isChildRun = run.options.empty();
     if (!ending.inTime)
         return "not done in " + std::to_string(LIMIT.count()) + " seconds";
@@ -220,7 +259,9 @@ std::string wrongEnd(const Run& run, const Model& model, const Ending& ending, b
     if (ending.status == SANITIZER)
         return "a sanitizer's report";
     if (ending.status == TORTURE_SPINNING)
-        return "asks a peer that is gone again and again";
+        return test.maySpin ? "" : "asks a peer that is gone again and again";
+    if (test.mustSucceed && ending.status != 0)
+        return "status " + std::to_string(ending.status) + " of a run that has to succeed";
     if (!(isChildRun ? CHILD_STATUSES : STATUSES).contains(ending.status))
         return "status " + std::to_string(ending.status);
     if (ending.status == 0 && model.ending.status != 0)
@@ -231,24 +272,24 @@ std::string wrongEnd(const Run& run, const Model& model, const Ending& ending, b
         if (!what.ends_with(".log"))
             return "left open: " + what;
     // A wait that fails has nobody to end it: what is left of the child is its system's.
-    if (ending.leftChildren && !waitFails)
+    if (ending.leftChildren && test.name.find(":wait:") == std::string::npos)
         return "left a child behind";
     return {};
 }
 
 } // namespace
 
-std::string Site::attempt(const Run& run, const Model& model, const Environment& environment,
-                          const Damage& damage, Ending& ending) {
+std::string Site::attempt(const Model& model, const Case& test, Ending& ending) {
+    const Run& run = runs()[test.run];
     if (m_standsFor != run.name)
         restore(run);
-    ending = make(run, environment, damage, nullptr);
+    ending = make(run, test.environment, test.damage, nullptr);
     const Rows now = rows();
-    const auto rule = environment.find("TORTURE_FAIL");
-    std::string wrong =
-        wrongEnd(run, model, ending, rule != environment.end() && rule->second.starts_with("wait:"));
-    if (std::string wrongly = wrongRows(now, model, ending.status); !wrongly.empty())
-        wrong += (wrong.empty() ? "" : "; ") + wrongly;
+    std::string wrong;
+    for (const std::string& what : {wrongEnd(run, model, test, ending), wrongRows(now, model, ending.status),
+                                    wrongJobs(now, model, ending)})
+        if (!what.empty())
+            wrong += (wrong.empty() ? "" : "; ") + what;
     if (now != m_initial)
         restore(run);
     return wrong;

@@ -17,7 +17,8 @@ namespace Zorvane::Torture {
 /// The rows that a conversion leaves, without what differs from run to run.
 struct Rows {
     std::set<std::string> profiles, tasks, disks;
-    std::string broken; ///< what must never be: a task without its profile, a disk without its task
+    std::set<std::string> jobs; ///< the tasks whose job was submitted
+    std::string broken; ///< what must never be: a task without its profile, a disk or job without its task
     auto operator<=>(const Rows&) const = default;
 };
 
@@ -29,6 +30,21 @@ struct Model {
     std::vector<Traffic> traffic;
 };
 
+/// What is wrong in one repetition of a run.
+struct Case {
+    std::string name;
+    std::size_t run = 0; ///< its index
+    Environment environment{};
+    Damage damage{};
+    bool mustSucceed = false;
+    /// A client that waits for the rest of a document asks for it without end when its daemon is gone.
+    bool maySpin = false;
+    /// Else it is slowed down only.
+    [[nodiscard]] bool isToFail() const {
+        return damage.connection != Damage::NEVER || environment.contains("TORTURE_FAIL");
+    }
+};
+
 class Site {
   public:
     Site();
@@ -38,11 +54,12 @@ class Site {
 
     /// The run as it is without a failure; told on standard error and thrown if it is not as it should be.
     Model model(const Run& run);
-    /// The run under this environment and damage. What is wrong with how it ended is told, or nothing.
-    std::string attempt(const Run& run, const Model& model, const Environment& environment,
-                        const Damage& damage, Ending& ending);
+    /// The run under the case's environment and damage. What is wrong with how it ended is told, or nothing.
+    std::string attempt(const Model& model, const Case& test, Ending& ending);
 
   private:
+    /// Throws std::runtime_error if the lab has ended: without it every run fails, and no call that matters.
+    void expectLab() const;
     Ending make(const Run& run, Environment environment, const Damage& damage, std::vector<Traffic>* traffic);
     void writeFiles(const Run& run);
     void restore(const Run& run);

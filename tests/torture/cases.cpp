@@ -163,6 +163,8 @@ std::vector<Case> makeCases(const std::vector<Model>& models, const Options& opt
     std::vector<Case> cases =
         options.cuts ? damagedConnections(models, options) : failingCalls(models, options);
     std::erase_if(cases, [&](const Case& test) { return !test.name.starts_with(options.only); });
+    if (cases.empty())
+        throw std::runtime_error("no case's name begins with \"" + options.only + "\"");
     return cases;
 }
 

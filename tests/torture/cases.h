@@ -22,20 +22,10 @@ struct Options {
 /// Throws std::runtime_error, with what is allowed, for an option that it doesn't know.
 Options readOptions(int argc, char** argv);
 
-struct Case {
-    std::string name;
-    std::size_t run = 0;
-    Environment environment{};
-    Damage damage{};
-    bool mustSucceed = false;
-    /// A client that waits for the rest of a document asks for it without end when its daemon is gone.
-    bool maySpin = false;
-};
-
 /// What a model can't see of its own run: the profile that it made and removed again.
 void completeModels(std::vector<Model>& models);
 
-/// In a fixed order.
+/// In a fixed order. Throws std::runtime_error if there is none of the name that is wanted.
 std::vector<Case> makeCases(const std::vector<Model>& models, const Options& options);
 
 } // namespace Zorvane::Torture

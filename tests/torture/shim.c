@@ -2,11 +2,11 @@
 // Preloaded into a program: counts its fallible calls by class, lets one of them fail, and tells at the end
 // what was counted and which descriptors were left open.
 //
-//   TORTURE_REPORT=file    where to tell it: lines "count <class> <n>", "failed <class> <n>", "open <what>",
-//   "end" TORTURE_FAIL=class:n:errno    the n-th call of the class fails, from 1, with this errno
+//   TORTURE_REPORT=file    where to tell it: lines "count <class> <n>", "open <what>", "end", and
+//                          "failed <class> <connections>": how many had been asked for by then
+//   TORTURE_FAIL=class:n:errno    the n-th call of the class fails, from 1, with this errno
 //   TORTURE_SHORT=documents|all   sends and receives move one byte a call; with "documents" the packets of
-//   the recovery
-//                                 daemons (which begin with a NUL byte) go whole
+//                                 the recovery daemons (which begin with a NUL byte) go whole
 //
 // A child process is not for it: its environment has none of these, and what it does before it executes its
 // program counts as the parent's.
@@ -56,6 +56,7 @@ static int failClass = -1;
 static long failNumber;
 static int failError;
 static bool hasFailed;
+static long failedAt; ///< the connections that had been asked for by then
 
 enum { WHOLE, SHORT_DOCUMENTS, SHORT_ALL };
 static int pieces = WHOLE;
@@ -72,6 +73,7 @@ bool tortureFails(int class) {
     if (class != failClass || number != failNumber)
         return false;
     hasFailed = true;
+    failedAt = counts[CLASS_connect];
     return true;
 }
 
@@ -123,7 +125,7 @@ __attribute__((destructor)) static void tell(void) {
     for (int i = 0; i < CLASSES; ++i)
         dprintf((int)file, "count %s %ld\n", names[i], counts[i]);
     if (hasFailed)
-        dprintf((int)file, "failed %s %ld\n", names[failClass], failNumber);
+        dprintf((int)file, "failed %s %ld\n", names[failClass], failedAt);
     char text[PATH_MAX];
     for (int i = 0; i < DESCRIPTORS; ++i)
         if (i != file && target(i, text, sizeof text) && !openBefore[i])

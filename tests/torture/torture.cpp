@@ -36,19 +36,13 @@ void work(const std::vector<Case>& cases, const std::vector<Model>& models, Prog
     Site site;
     for (std::size_t i = 0; (i = progress.next++) < cases.size();) {
         const Case& test = cases[i];
-        const Run& run = runs()[test.run];
         Ending ending;
-        std::string wrong = site.attempt(run, models[test.run], test.environment, test.damage, ending);
+        const std::string wrong = site.attempt(models[test.run], test, ending);
         ++progress.made;
         progress.failed += ending.failed;
+        progress.spun += test.maySpin && ending.status == TORTURE_SPINNING;
         if (ending.status >= 0)
             ++progress.statuses[static_cast<std::size_t>(ending.status)];
-        if (wrong.empty() && test.mustSucceed && ending.status != 0)
-            wrong = "status " + std::to_string(ending.status) + " of a run that has to succeed";
-        if (test.maySpin && ending.status == TORTURE_SPINNING) {
-            ++progress.spun;
-            continue;
-        }
         if (verbose)
             std::fprintf(stderr, "%s: status %d, %s\n", test.name.c_str(), ending.status,
                          firstLine(ending.out + ending.err).c_str());
@@ -59,8 +53,8 @@ void work(const std::vector<Case>& cases, const std::vector<Model>& models, Prog
                                          ending.err.find("runtime error") == std::string::npos
                                      ? firstLine(ending.err)
                                      : ending.err;
-        std::fprintf(stderr, "%s: WRONG, %s (status %d, \"%s\")\n", test.name.c_str(), wrong.c_str(), ending.status,
-                     said.c_str());
+        std::fprintf(stderr, "%s: WRONG, %s (status %d, \"%s\")\n", test.name.c_str(), wrong.c_str(),
+                     ending.status, said.c_str());
     }
 }
 
@@ -96,6 +90,17 @@ void tellCalls(const std::vector<Model>& models) {
     }
 }
 
+// Two runs differ in a few allocations, so that the last calls of the model's run may not come in another.
+// Where more is missed, it was not the run that was tortured.
+bool hasFailedEnough(const std::vector<Case>& cases, long failed) {
+    const auto wanted = std::ranges::count_if(cases, &Case::isToFail);
+    if (failed * 10 >= wanted * 9)
+        return true;
+    std::fprintf(stderr, "torture: of %td failures only %ld came to pass; nine of ten have to\n", wanted,
+                 failed);
+    return false;
+}
+
 int torture(const Options& options) {
     std::vector<Model> models;
     {
@@ -116,15 +121,16 @@ int torture(const Options& options) {
     const bool whole = workTogether(cases, models, options, progress);
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
 
-    std::printf("%zu cases, %ld repetitions, %ld calls failed, %ld spinning as they may, %ld wrong, %.0f "
-                "s\nstatuses:",
+    std::printf("%zu cases, %ld repetitions, %ld failures came to pass, %ld spinning as they may, %ld wrong, "
+                "%.0f s\nstatuses:",
                 cases.size(), progress.made.load(), progress.failed.load(), progress.spun.load(),
                 progress.wrong.load(), time.count());
     for (std::size_t i = 0; i < progress.statuses.size(); ++i)
         if (progress.statuses[i] > 0)
             std::printf(" %zu (%ld)", i, progress.statuses[i].load());
     std::printf("\n");
-    return whole && progress.wrong == 0 && progress.made == static_cast<long>(cases.size()) ? 0 : 1;
+    const bool enough = hasFailedEnough(cases, progress.failed);
+    return whole && enough && progress.wrong == 0 && progress.made == static_cast<long>(cases.size()) ? 0 : 1;
 }
 
 } // namespace
