@@ -74,7 +74,7 @@ bool Connection::readToEnd(std::string& bytes, std::size_t most) {
             return true;
         }
     }
-    bytes.resize(most);
+    endWait();
     return false;
 }
 

@@ -50,7 +50,8 @@ class Connection {
     std::optional<std::string> readLine();
     /// Exactly that many bytes, or nothing.
     std::optional<std::string> read(std::size_t count);
-    /// What comes until the end of the stream, but no more than that; false if there was more.
+    /// Adds what comes until the end of the stream; false, and not all of it, once there are more bytes than
+    /// that.
     bool readToEnd(std::string& bytes, std::size_t most);
     bool write(std::string_view bytes);
     /// What is sent from now on goes out in as few pieces as it fits, the last of them with finish().

@@ -4,10 +4,10 @@
 #include "lab/Connection.h"
 #include "lab/Store.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <mutex>
-#include <semaphore>
 #include <string_view>
 #include <vector>
 
@@ -20,14 +20,13 @@ class DocumentTurns {
   public:
     static constexpr std::size_t SMALL = std::size_t{256} << 10;
     static constexpr std::size_t AT_ONCE = 2;
-    static constexpr std::ptrdiff_t HELD = 8;
-    /// So many wait for a turn; one more is refused, so that some places are left for small requests.
+    static constexpr std::size_t HELD = 8;
+    /// So many wait for a room or a turn; one more is refused, so that some places are left for small
+    /// requests.
     static constexpr std::size_t WAITING = 54;
     /// What takes the memory is the elements. Rows have one in twenty bytes and more.
     static constexpr std::ptrdiff_t MAX_TAGS = 1'000'000;
     static constexpr std::ptrdiff_t SMALL_TAGS = SMALL / 16;
-
-    DocumentTurns() { m_working.reserve(AT_ONCE); }
 
     [[nodiscard]] static bool isTooFull(std::string_view document) { return hasMore(document, MAX_TAGS); }
     /// Whether a document is worked on in a turn only.
@@ -35,23 +34,22 @@ class DocumentTurns {
         return document.size() > SMALL || hasMore(document, SMALL_TAGS);
     }
 
-    /// Room for a document that is going to be read. There may be none, and then the peer is refused: waiting
-    /// for slow peers would give them power over the others.
+    /// Room for a document that is going to be read. There may be none, and then the peer is refused after a
+    /// moment: waiting for slow peers would give them power over the others. One whose document doesn't come
+    /// loses the connection meanwhile.
     class Room {
       public:
-        Room(DocumentTurns& turns, std::size_t size)
-            : m_room(size > SMALL ? &turns.m_room : nullptr), m_granted(!m_room || m_room->try_acquire()) {}
+        Room(DocumentTurns& turns, Connection& connection, std::size_t size);
         Room(const Room&) = delete;
         Room& operator=(const Room&) = delete;
-        ~Room() {
-            if (m_room && m_granted)
-                m_room->release();
-        }
+        ~Room();
         [[nodiscard]] bool isGranted() const { return m_granted; }
 
       private:
-        std::counting_semaphore<HELD>* m_room;
-        bool m_granted;
+        DocumentTurns& m_turns;
+        Connection& m_connection;
+        const bool m_isNeeded;
+        const bool m_granted;
     };
 
     /// A connection's turn, once it is taken, until the end of the scope: from the rows to the last byte of
@@ -75,13 +73,17 @@ class DocumentTurns {
 
   private:
     [[nodiscard]] static bool hasMore(std::string_view document, std::ptrdiff_t tags);
-    [[nodiscard]] bool enter(Connection& connection, Wait wait);
-    void leave(const Connection& connection);
+    struct Places {
+        std::size_t count;
+        std::vector<Connection*> taken{};
+    };
+    [[nodiscard]] bool enter(Places& places, Connection& connection, std::chrono::milliseconds patience);
+    void leave(Places& places, const Connection& connection);
 
-    std::counting_semaphore<HELD> m_room{HELD};
     std::mutex m_lock;
     std::condition_variable m_left;
-    std::vector<Connection*> m_working;
+    Places m_held{HELD};
+    Places m_working{AT_ONCE};
     std::size_t m_waiting = 0;
 };
 

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lab/ReaderPool.h"
 
+#include "lab/RequestError.h"
 #include "lab/clauses.h"
+
+#include <chrono>
 
 namespace Zorvane {
 
@@ -11,12 +14,17 @@ namespace {
 // take for a request: clients wait for one rather than exhaust those.
 constexpr std::size_t MAX_READERS = 8;
 
+// How often one that waits looks whether its client is gone.
+constexpr std::chrono::milliseconds LOOK_INTERVAL{100};
+
 } // namespace
 
-ReaderPool::Reader ReaderPool::take() {
+ReaderPool::Reader ReaderPool::take(const IsGone& isGone) {
     {
         std::unique_lock lock(m_lock);
-        m_returned.wait(lock, [this] { return m_out < MAX_READERS; });
+        while (!m_returned.wait_for(lock, LOOK_INTERVAL, [this] { return m_out < MAX_READERS; }))
+            if (isGone())
+                throw RequestError(STORE_TOO_MUCH, "there are too many readers");
         ++m_out;
         if (!m_idle.empty()) {
             Reader reader(m_idle.back().release(), Return{this});

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "lab/Database.h"
+#include "lab/Store.h"
 
 #include <condition_variable>
 #include <filesystem>
@@ -23,8 +24,9 @@ class ReaderPool {
     /// A restricted connection, returned at the end of its scope.
     using Reader = std::unique_ptr<Database, Return>;
 
-    /// Waits while too many are out. Throws DatabaseError.
-    Reader take();
+    /// Waits while too many are out, unless nobody waits for the answer any more: then RequestError. Throws
+    /// DatabaseError.
+    Reader take(const IsGone& isGone = never);
 
   private:
     void give(std::unique_ptr<Database> database);

@@ -11,9 +11,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// What all files together may take: clients must fill neither the disk nor its table of files.
+// What all files together may take: clients must fill neither the disk nor its table of files, in which a
+// folder has an entry as well.
 constexpr std::uintmax_t MAX_SIZE = std::uintmax_t{256} << 20;
-constexpr std::uintmax_t MAX_FILES = 5000;
+constexpr std::uintmax_t MAX_ENTRIES = 5000;
 
 // A name from a client as a file's: it can leave neither the folder nor the characters that every tool can
 // take, and no other name becomes the same. One that is too long for the file system is refused there.
@@ -50,23 +51,24 @@ bool ReceivedFiles::keep(const fs::path& place, std::string_view bytes) {
     std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     out.close();
-    if (out)
-        fs::create_directories(place.parent_path(), error);
+    const bool isNewFolder = out && fs::create_directories(place.parent_path(), error);
     if (out && !error)
         fs::rename(fresh, place, error);
     if (!out || error) {
         fs::remove(fresh, error);
+        if (isNewFolder)
+            fs::remove(place.parent_path(), error);
         return false;
     }
     m_size += bytes.size();
-    ++m_count;
+    m_count += isNewFolder ? 2 : 1;
     return true;
 }
 
 // Counted anew only when they seem too many: a new file in an old one's place counts twice until then, and
 // somebody may have made room.
 bool ReceivedFiles::hasRoom(std::size_t size) {
-    const auto fits = [&] { return m_size + size <= MAX_SIZE && m_count < MAX_FILES; };
+    const auto fits = [&] { return m_size + size <= MAX_SIZE && m_count < MAX_ENTRIES; };
     if (!fits())
         count();
     return fits();
@@ -76,13 +78,13 @@ void ReceivedFiles::count() {
     m_size = m_count = 0;
     std::error_code error;
     for (auto entry = fs::recursive_directory_iterator(m_folder, error);
-         !error && entry != fs::recursive_directory_iterator(); entry.increment(error))
-        if (entry->is_regular_file(error)) {
+         !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        ++m_count;
+        if (entry->is_regular_file(error))
             m_size += entry->file_size(error);
-            ++m_count;
-        }
+    }
     if (error)
-        m_count = MAX_FILES;
+        m_count = MAX_ENTRIES;
 }
 
 } // namespace Zorvane

@@ -32,7 +32,7 @@ class ReceivedFiles {
     std::filesystem::path m_folder;
     std::mutex m_lock;
     std::uintmax_t m_size = std::numeric_limits<std::uintmax_t>::max() / 2; ///< too much: not counted yet
-    std::uintmax_t m_count = 0;
+    std::uintmax_t m_count = 0;                                             ///< of files and folders
 };
 
 } // namespace Zorvane

@@ -2,6 +2,7 @@
 #include "lab/RequestBudget.h"
 
 #include <ctime>
+#include <utility>
 
 #include <sqlite3.h>
 
@@ -21,17 +22,26 @@ std::chrono::nanoseconds processorTime() {
 } // namespace
 
 RequestBudget::RequestBudget(Database& database, std::chrono::nanoseconds time, std::size_t bytes,
-                             const LargeTurn& turn)
-    : m_database(database), m_deadline(processorTime() + time), m_rows(bytes, turn, Wait::No) {
-    sqlite3_progress_handler(database.handle(), STEPS_PER_LOOK, isSpent, this);
+                             const LargeTurn& turn, IsGone isGone)
+    : m_database(database),
+      m_deadline(processorTime() + time),
+      m_rows(bytes, turn, Wait::No),
+      m_isGone(std::move(isGone)) {
+    const auto look = [](void* self) { return static_cast<const RequestBudget*>(self)->isSpent() ? 1 : 0; };
+    sqlite3_progress_handler(database.handle(), STEPS_PER_LOOK, look, this);
 }
 
 RequestBudget::~RequestBudget() {
     sqlite3_progress_handler(m_database.handle(), 0, nullptr, nullptr);
 }
 
-int RequestBudget::isSpent(void* self) {
-    return processorTime() > static_cast<const RequestBudget*>(self)->m_deadline ? 1 : 0;
+void RequestBudget::check() const {
+    if (isSpent())
+        throw RequestError(STORE_TOO_MUCH, "the time for the request is used up, or its client is gone");
+}
+
+bool RequestBudget::isSpent() const {
+    return processorTime() > m_deadline || m_isGone();
 }
 
 } // namespace Zorvane

@@ -132,11 +132,11 @@ void answerQuery(Database& database, const CQueryRequest& query, RequestBudget& 
 
 // The rows that all queries of a request ask for, from one snapshot.
 std::unique_ptr<CZor> select(ReaderPool& readers, const StoreLimits& limits, const CZor& request,
-                             const LargeTurn& turn) {
-    const auto reader = readers.take();
+                             const LargeTurn& turn, const IsGone& isGone) {
+    const auto reader = readers.take(isGone);
     const Transaction snapshot(*reader, Transaction::Kind::Read);
     const LibraryMemoryBound bound(limits.libraryBytes);
-    RequestBudget budget(*reader, limits.clauseTime, limits.rowBytes, turn);
+    RequestBudget budget(*reader, limits.clauseTime, limits.rowBytes, turn, isGone);
     auto reply = std::make_unique<CZor>();
     for (const CQueryRequest* query : request.m_vQueryRequest) {
         CZor part;
@@ -153,14 +153,14 @@ Store::Store(const std::filesystem::path& file, StoreLimits limits)
 
 Store::~Store() = default;
 
-StoreResult Store::query(Document document, const LargeTurn& turn) const {
+StoreResult Store::query(Document document, const LargeTurn& turn, const IsGone& isGone) const {
     return answer([&] {
         CZor request;
         RowAllowance allowance = m_impl->allowance(turn);
         readDocument(document, request, isAny, allowance);
         for (;;) {
             try {
-                const auto reply = select(m_impl->readers, m_impl->limits, request, turn);
+                const auto reply = select(m_impl->readers, m_impl->limits, request, turn, isGone);
                 return writeDocument(*reply);
             } catch (const TurnNeeded&) {
                 if (!turn(Wait::Yes)) // the reader is given back by now

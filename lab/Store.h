@@ -46,7 +46,7 @@ struct StoreResult {
 struct StoreLimits {
     /// Processor time of a request's clauses: long enough for every sensible query on a busy machine, short
     /// enough that a join of everything with everything doesn't keep a processor.
-    std::chrono::milliseconds clauseTime{2000};
+    std::chrono::milliseconds clauseTime{1000};
     /// The rows of a request or a reply, by their sizeOf; the document and its tree take some twenty times
     /// that.
     std::size_t rowBytes = std::size_t{32} << 20;
@@ -60,6 +60,11 @@ enum class Wait { No, Yes };
 using LargeTurn = std::function<bool(Wait)>;
 inline bool always(Wait) {
     return true;
+}
+/// Whether nobody waits for the answer any more, so that the work may end.
+using IsGone = std::function<bool()>;
+inline bool never() {
+    return false;
 }
 
 class Store {
@@ -79,7 +84,7 @@ class Store {
 
     /// Answers every CQueryRequest of the document, by its clauses or, with a TreeId, by a tree: all from one
     /// snapshot. The reply's rows are marked as the database's; a row stands in it once.
-    StoreResult query(Document document, const LargeTurn& turn = always) const;
+    StoreResult query(Document document, const LargeTurn& turn = always, const IsGone& isGone = never) const;
     /// Inserts the rows that are not from the database. They get numbers of the database, and references
     /// among them follow; the reply holds these rows with their new numbers, all flags set.
     StoreResult insert(Document document, const LargeTurn& turn = always);

@@ -26,11 +26,12 @@ std::string_view textOf(const std::vector<unsigned char>& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-StoreResult runRequest(Store& store, int command, std::string_view document, const LargeTurn& turn) {
+StoreResult runRequest(Store& store, int command, std::string_view document, const LargeTurn& turn,
+                       const Connection& connection) {
     const Store::Document bytes(reinterpret_cast<const unsigned char*>(document.data()), document.size());
     switch (command) {
     case ZOROP_QUERY:
-        return store.query(bytes, turn);
+        return store.query(bytes, turn, [&] { return connection.isCut(); });
     case ZOROP_INSERT:
         return store.insert(bytes, turn);
     case ZOROP_UPDATE:
@@ -120,7 +121,7 @@ void ZordSession::answer(AnyPacket& packet) {
 void ZordSession::database(const DbRequest& request) {
     if (request.byteCount < 0 || static_cast<std::size_t>(request.byteCount) > m_lab.limits.document)
         return refuse(request.byteCount);
-    const DocumentTurns::Room room(m_lab.turns, static_cast<std::size_t>(request.byteCount));
+    const DocumentTurns::Room room(m_lab.turns, m_connection, static_cast<std::size_t>(request.byteCount));
     if (!room.isGranted())
         return refuse(request.byteCount);
     const auto document = m_connection.read(static_cast<std::size_t>(request.byteCount));
@@ -153,7 +154,7 @@ StoreResult ZordSession::work(int command, std::string_view document, const Larg
         failure = m_lab.failures.check(m_connection, *summary.point, summary.tables);
     StoreResult result;
     if (!failure || spoilsDocument(failure->effect))
-        result = runRequest(m_lab.store, command, document, turn);
+        result = runRequest(m_lab.store, command, document, turn, m_connection);
     m_lab.log.write({m_service, summary.operation, summary.subject, summary.arguments,
                      failure ? failureText(*failure) : std::to_string(result.status), result.text});
     return result;

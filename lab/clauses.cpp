@@ -28,14 +28,16 @@ constexpr auto FUNCTIONS =
 static_assert(std::is_sorted(FUNCTIONS.begin(), FUNCTIONS.end()));
 
 // The clock is looked at between steps of SQLite's machine, at the ends of loops. These bounds keep the time
-// between two looks to seconds at the worst: a statement without a loop is short, and so is every step.
+// between two looks to a second or two at the worst: a statement without a loop is short, and so is every
+// step.
 
 // Clients write a few hundred bytes.
 constexpr int MAX_SQL = 64 * 1024;
 // Instructions of a compiled statement; a join of a dozen tables has some five hundred.
-constexpr int MAX_INSTRUCTIONS = 6000;
-// The longest text that a clause may read or make; a text that is doubled again and again ends here.
-constexpr int MAX_VALUE = 4 << 20;
+constexpr int MAX_INSTRUCTIONS = 1000;
+// The longest text that a clause may read or make; a text that is doubled again and again ends here. An
+// instruction that calls a function on it takes up to a millisecond.
+constexpr int MAX_VALUE = 1 << 20;
 // A pattern is matched in a time that grows with its length times that of the text.
 constexpr int MAX_PATTERN = 256;
 constexpr int MAX_MATCHED = 64 * 1024;
@@ -185,6 +187,7 @@ void selectByClauses(Database& database, const CQueryRequest& query, RequestBudg
         throw RequestError(status, why.append(": ").append(sql, 0, MAX_SHOWN_SQL));
     };
     const ShortValues bound(database);
+    budget.check();
     try {
         Statement statement = database.prepare(sql);
         std::vector<RecordColumns> records = recordsOf(statement);

@@ -109,25 +109,26 @@ std::vector<fs::path> documentsIn(const fs::path& folder) {
 
 // All files of a lab, in the order in which they take an older one's places: a database never meets the log
 // of another, and what has a configuration is a lab.
-std::array<fs::path, 8> filesOf(const LabDirectory& directory) {
+std::array<fs::path, 9> filesOf(const LabDirectory& directory) {
     const std::string database = directory.database().string();
-    return {database + "-wal", database + "-shm",     directory.requestLog(), directory.received(),
-            database,          directory.inventory(), directory.catalogue(),  directory.configuration()};
+    return {database + "-journal",  database + "-wal",     database + "-shm",
+            directory.requestLog(), directory.received(),  database,
+            directory.inventory(),  directory.catalogue(), directory.configuration()};
 }
 
 // A lab in the making, beside the one that it may take the place of, and gone when it doesn't come to that.
+// Whatever else is in its folder is somebody's, and stays.
 class Draft {
   public:
     explicit Draft(const LabDirectory& directory) : m_directory(directory) {
-        fs::remove_all(m_draft.path()); // what a run left that was killed
-        fs::create_directory(m_draft.path());
+        clear(); // what a run left that was killed
+        if (!fs::create_directory(m_draft.path()))
+            throw LabError(m_draft.path().string() +
+                           " is in the way: it holds other files than a lab's; move it");
     }
     Draft(const Draft&) = delete;
     Draft& operator=(const Draft&) = delete;
-    ~Draft() {
-        std::error_code error;
-        fs::remove_all(m_draft.path(), error);
-    }
+    ~Draft() { clear(); }
 
     [[nodiscard]] const LabDirectory& directory() const { return m_draft; }
     /// Other files in the lab's directory are none of ours, and stay.
@@ -142,8 +143,17 @@ class Draft {
     }
 
   private:
+    void clear() const {
+        std::error_code error;
+        if (!fs::is_directory(fs::symlink_status(m_draft.path(), error)))
+            return;
+        for (const fs::path& file : filesOf(m_draft))
+            fs::remove(file, error);
+        fs::remove(m_draft.path(), error);
+    }
+
     const LabDirectory& m_directory;
-    LabDirectory m_draft{m_directory.path() / "draft"};
+    LabDirectory m_draft{m_directory.path() / ".zorlab-draft"};
 };
 
 void writeFiles(const LabDirectory& draft, const LabDirectory& directory, const LabPorts& ports,

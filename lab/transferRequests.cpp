@@ -28,10 +28,12 @@ class Transfer {
 
     // The log of a client's work, up to the end of the stream. Nobody waits for an answer.
     void take(LogRequest& request) {
+        const std::size_t most = m_lab.limits.document;
         std::string text;
-        const DocumentTurns::Room room(m_lab.turns, m_lab.limits.document);
-        const bool kept = room.isGranted() && m_connection.readToEnd(text, m_lab.limits.document) &&
-                          m_lab.received.keep(m_lab.received.logOf(request.name.c_str()), text);
+        bool isWhole = m_connection.readToEnd(text, std::min(most, DocumentTurns::SMALL));
+        const DocumentTurns::Room room(m_lab.turns, m_connection, text.size()); // few logs come to need one
+        isWhole = isWhole || (room.isGranted() && m_connection.readToEnd(text, most));
+        const bool kept = isWhole && m_lab.received.keep(m_lab.received.logOf(request.name.c_str()), text);
         note("log", request.name.c_str(), std::to_string(text.size()), kept ? DONE : FAILED);
     }
 
@@ -103,7 +105,7 @@ class Transfer {
 
   private:
     DocumentTurns::Room roomFor(std::int32_t byteCount) {
-        return {m_lab.turns, static_cast<std::size_t>(std::max(byteCount, 0))};
+        return {m_lab.turns, m_connection, static_cast<std::size_t>(std::max(byteCount, 0))};
     }
 
     std::optional<std::string> content(const DocumentTurns::Room& room, std::int32_t byteCount) {

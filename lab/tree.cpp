@@ -56,6 +56,7 @@ class TreeWalk {
         const VectorDescriptor* vector = findVector(table.name);
         if (!vector)
             return; // a base table: no document carries its rows
+        m_budget.check();
         const KeptStatement statement = m_database.kept(selectSql(table) + " WHERE " + quotedName(column) +
                                                         " IN (SELECT value FROM json_each(?1))");
         statement->with(jsonArray(values));

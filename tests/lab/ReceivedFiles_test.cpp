@@ -50,7 +50,11 @@ TEST(ReceivedFiles, NoTwoNamesMeanTheSameFile) {
         EXPECT_TRUE(files.keep(files.fileOf(client, file), client + "|" + file)) << client << "|" << file;
     }
     EXPECT_TRUE(files.keep(files.logOf("a"), "a log"));
-    EXPECT_FALSE(files.keep(files.fileOf("a", std::string(300, 'n')), "")) << "no file system takes it";
+    for (const char* client : {"a", "another"})
+        EXPECT_FALSE(files.keep(files.fileOf(client, std::string(300, 'n')), ""))
+            << "no file system takes it";
+    EXPECT_FALSE(std::filesystem::exists(files.fileOf("another", "").parent_path()))
+        << "a refusal leaves nothing";
     EXPECT_EQ(kept.size(), std::size(names));
     for (const auto& [file, content] : kept)
         EXPECT_EQ(contentOf(file), content);
@@ -74,11 +78,11 @@ TEST(ReceivedFiles, TheirNumberHasAnEnd) {
     const ScratchDirectory scratch;
     ReceivedFiles files(scratch.file("received"));
     int count = 0;
-    while (count < 100'000 && files.keep(files.fileOf("client", std::to_string(count)), ""))
+    while (count < 100'000 && files.keep(files.fileOf(std::to_string(count), "file"), ""))
         ++count;
-    EXPECT_EQ(count, 5000);
-    std::filesystem::remove(files.fileOf("client", "7"));
-    EXPECT_TRUE(files.keep(files.fileOf("client", "more"), "")) << "somebody has made room";
+    EXPECT_EQ(count, 2500) << "each in a folder of its own";
+    std::filesystem::remove_all(files.fileOf("7", "file").parent_path());
+    EXPECT_TRUE(files.keep(files.fileOf("8", "more"), "")) << "somebody has made room";
 }
 
 TEST(RequestLog, GoesOnWhenThereIsRoomAgain) {

@@ -48,13 +48,21 @@ TEST_F(CommandLineTest, ALabIsMadeOnceAndAgainWithForce) {
     const LabPorts ports = LabDirectory(m_lab).ports();
     EXPECT_NE(ports.zord, ports.zorbd);
     EXPECT_NE(ports.zord, ports.kvnrd);
-    std::ofstream(m_scratch.file("lab/own file")) << "stays";
+    std::filesystem::create_directory(m_scratch.file("lab/draft"));
+    std::ofstream(m_scratch.file("lab/draft/own file")) << "stays";
 
     EXPECT_EQ(run({"init", m_lab}), 1);
     EXPECT_NE(m_err.find("--force"), std::string::npos) << m_err;
+    const auto halfMade = m_scratch.file("lab/.zorlab-draft");
+    std::filesystem::create_directory(halfMade);
+    std::ofstream(halfMade / "own file") << "stays";
+    EXPECT_EQ(run({"init", m_lab, "--force"}), 1);
+    EXPECT_NE(m_err.find(halfMade.string()), std::string::npos) << m_err;
+    ASSERT_TRUE(std::filesystem::remove(halfMade / "own file"));
+    std::ofstream(halfMade / "recovery.db") << "of a run that was killed";
     ASSERT_EQ(run({"init", m_lab, "--force", "--base-port", "23456"}), 0) << m_err;
     EXPECT_EQ(LabDirectory(m_lab).ports().kvnrd, 23458);
-    EXPECT_EQ(text("lab/own file"), "stays");
+    EXPECT_EQ(text("lab/draft/own file"), "stays");
 
     // One that comes to nothing leaves the lab as it is.
     const std::string before = text("lab/kvn.toml");
@@ -63,7 +71,7 @@ TEST_F(CommandLineTest, ALabIsMadeOnceAndAgainWithForce) {
     EXPECT_EQ(run({"init", m_lab, "--force", "--samples", m_scratch.file("samples").string()}), 1);
     EXPECT_EQ(text("lab/kvn.toml"), before);
     EXPECT_EQ(run({"export", m_lab, "ledger01.corp.example"}), 0) << m_err;
-    EXPECT_FALSE(std::filesystem::exists(m_scratch.file("lab/draft")));
+    EXPECT_FALSE(std::filesystem::exists(halfMade));
 }
 
 TEST_F(CommandLineTest, ConfigurationsGoInAndOut) {
