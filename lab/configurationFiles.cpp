@@ -3,9 +3,11 @@
 
 #include "lab/LabError.h"
 #include "lab/Store.h"
+#include "lab/rows.h"
 #include "suite/printable.h"
 
 #include <ostream>
+#include <vector>
 
 namespace Zorvane {
 
@@ -50,7 +52,8 @@ std::string exportConfiguration(const Store& store, const std::string& client,
         throw LabError("client \"" + client + "\"" +
                        (configuration.empty() ? "" : ", configuration \"" + configuration + "\"") + ": " +
                        Suite::printable(result.text));
-    return documentText(rows);
+    const std::vector<unsigned char> document = writeDocument(rows);
+    return {document.begin(), document.end()};
 }
 
 } // namespace Zorvane

@@ -109,9 +109,10 @@ constexpr const char* PARTIAL_NOTE = "Not all names were known, for some of what
                                      "(it stands below): expect more of "
                                      "them here.\n";
 constexpr const char* LEFT_OUT_NOTE =
-    "Left out in any case: the contents of files that a client's configuration holds, whose sizes are 0, and "
-    "the values\n"
-    "of keys in kvn.toml that the suite does not know.\n";
+    "Left out in any case: the contents of files that a client's configuration holds, whose sizes are 0, the "
+    "values of\n"
+    "it that are called passwords or secrets, and the values of keys in kvn.toml that the suite does not "
+    "know.\n";
 
 } // namespace
 
@@ -128,7 +129,11 @@ Bundle::Bundle(BundleOptions options) : m_options(std::move(options)), m_made(st
 }
 
 void Bundle::add(const std::string& path, const std::string& what, Form form, const std::string& text) {
-    m_members.push_back({path, what, form, form == Form::Document ? withoutContents(text) : toUtf8(text)});
+    const auto kept = form == Form::Document ? withoutSecrets(text) : toUtf8(text);
+    if (kept)
+        m_members.push_back({path, what, form, *kept});
+    else
+        missNames(what, UNREADABLE);
 }
 
 void Bundle::miss(const std::string& what, const std::string& why, bool isFailure) {
@@ -196,7 +201,7 @@ void Bundle::write() {
 void Bundle::maskMembers() {
     for (BundleMember& member : m_members) {
         if (member.form == Form::Log)
-            member.text = readableLog(std::move(member.text));
+            member.text = readableLog(member.text);
         learnFrom(member.form, member.text, m_mask);
     }
     for (const MissingMember& missing : m_missing)

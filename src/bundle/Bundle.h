@@ -44,7 +44,8 @@ class Bundle {
     /// For names that no member gives away.
     [[nodiscard]] Mask& mask() { return m_mask; }
 
-    /// Contents of files go out of documents.
+    /// Contents of files and values that are called secrets go out of documents; what is none is missing
+    /// then.
     void add(const std::string& path, const std::string& what, Form form, const std::string& text);
     void miss(const std::string& what, const std::string& why, bool isFailure = false);
     /// Where names for the mask could not be had: the archive then says that it may hold more of them.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bundle/Mask.h"
 
+#include "bundle/names.h"
 #include "bundle/utf8.h"
 
 #include <algorithm>
@@ -19,164 +20,6 @@ constexpr std::array<const char*, NAME_KINDS> KIND_NAMES = {
     "pool", "network", "datacenter", "cluster", "profile", "serial",  "name",
 };
 
-// Words that stand where names do and name nothing of this site; folders that every system has among them.
-constexpr auto NO_NAMES = std::to_array<std::string_view>({"administrator",
-                                                           "administrators",
-                                                           "all users",
-                                                           "bin",
-                                                           "current",
-                                                           "data",
-                                                           "datacenter",
-                                                           "datacenters",
-                                                           "datastore",
-                                                           "default",
-                                                           "dev",
-                                                           "etc",
-                                                           "everyone",
-                                                           "false",
-                                                           "folder",
-                                                           "ha-folder",
-                                                           "home",
-                                                           "host",
-                                                           "images",
-                                                           "iso",
-                                                           "kelvarion",
-                                                           "lib",
-                                                           "linux",
-                                                           "locale",
-                                                           "localhost",
-                                                           "log",
-                                                           "mnt",
-                                                           "n/a",
-                                                           "network",
-                                                           "no",
-                                                           "none",
-                                                           "null",
-                                                           "opt",
-                                                           "other",
-                                                           "public",
-                                                           "resources",
-                                                           "root",
-                                                           "server",
-                                                           "share",
-                                                           "srv",
-                                                           "system",
-                                                           "tarnv",
-                                                           "tmp",
-                                                           "true",
-                                                           "unknown",
-                                                           "users",
-                                                           "usr",
-                                                           "var",
-                                                           "vm",
-                                                           "windows",
-                                                           "yes",
-                                                           "zorvane",
-                                                           "_none_"});
-
-// Behind a dot: what files are called, not hosts.
-constexpr auto FILE_ENDINGS = std::to_array<std::string_view>(
-    {"bin", "cab", "cat",  "cfg", "conf", "cpp", "dat", "db",   "def",  "dll", "drv",  "exe",
-     "gz",  "htm", "html", "inf", "ini",  "iso", "js",  "json", "log",  "md",  "msi",  "mui",
-     "nls", "png", "py",   "sh",  "so",   "svg", "sys", "tar",  "toml", "txt", "vmdk", "xml"});
-
-// The last parts of host names of two parts, beside those of two letters, which are countries; anything else
-// with one dot is as likely a file or a member.
-constexpr auto DOMAIN_ENDINGS = std::to_array<std::string_view>(
-    {"biz",    "cloud",    "com",      "corp",    "edu", "example", "gmbh", "gov", "group",  "home", "info",
-     "intern", "internal", "intranet", "invalid", "lan", "local",   "mil",  "net", "online", "org",  "test"});
-
-bool isIn(const auto& words, std::string_view word) {
-    return std::ranges::find(words, word) != words.end();
-}
-
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-bool isLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
-}
-// Of a user's name, where signs end it.
-bool isOfUser(char c) {
-    return isDigit(c) || isLetter(c) || c == '.' || c == '-' || c == '_';
-}
-
-std::string_view trimmed(std::string_view text) {
-    const auto isEdge = [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '.'; };
-    while (!text.empty() && isEdge(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isEdge(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
-bool isNoName(const std::string& lower) {
-    const auto address = addressAt(lower, 0);
-    const bool isNumber = lower.find_first_not_of("0123456789.:") == lower.npos;
-    return lower.size() < 2 || isIn(NO_NAMES, lower) || lower.starts_with("localhost.") ||
-           (address && address->length == lower.size()) ||
-           (isNumber && (lower.size() < 5 || lower.find_first_of(".:") != lower.npos));
-}
-
-// "ledger01" and "corp.example" are no words, so that they are found inside of words as well; "Gold" and
-// "Production" are.
-bool isDistinct(std::string_view name) {
-    return name.size() > 4 && std::ranges::any_of(name, isLetter) &&
-           std::ranges::any_of(name, [](char c) { return isDigit(c) || c == '.' || c == '-'; });
-}
-
-// The log spells control characters out: "n" of "\n" and "b" of "\x1b" end no word.
-bool startsWord(std::string_view text, size_t at) {
-    const std::string_view before = text.substr(0, at);
-    return !isWordBefore(text, at) || before.ends_with("\\n") || before.ends_with("\\t") ||
-           before.ends_with("\\r") || (at >= 4 && before.substr(at - 4, 2) == "\\x");
-}
-
-// What a name is indexed by: its first two bytes.
-std::uint16_t startOf(std::string_view text, size_t at) {
-    return static_cast<std::uint16_t>(static_cast<unsigned char>(text[at]) << 8 |
-                                      static_cast<unsigned char>(text[at + 1]));
-}
-
-std::string_view userAt(std::string_view text, size_t begin) {
-    const std::string_view rest = text.substr(std::min(begin, text.size()));
-    return trimmed({rest.begin(), std::ranges::find_if_not(rest, isOfUser)});
-}
-
-// A host's name, where a Japanese word may go on behind it.
-std::string_view hostAt(std::string_view text, size_t begin) {
-    size_t end = begin;
-    while (isWordAt(text, end) || (end < text.size() && std::string_view(".-_").find(text[end]) != text.npos))
-        end += static_cast<unsigned char>(text[end]) < 0x80 ? 1 : 2;
-    std::string_view host = text.substr(std::min(begin, text.size()), end - begin);
-    while (host.ends_with('-') || host.ends_with('_') || host.ends_with('.'))
-        host.remove_suffix(1);
-    return host;
-}
-
-bool isPublicDomain(std::string_view lower) {
-    const auto isAscii = [](char c) { return c >= 'a' && c <= 'z'; };
-    return (lower.size() == 2 && std::ranges::all_of(lower, isAscii) && !isIn(FILE_ENDINGS, lower)) ||
-           isIn(DOMAIN_ENDINGS, lower);
-}
-
-// The length of a host name with a domain at a place, in small letters; 0 if there is none.
-size_t hostLength(std::string_view lower, size_t at) {
-    if (!isWordAt(lower, at) || !startsWord(lower, at) ||
-        (at > 0 && std::string_view("_-.").find(lower[at - 1]) != std::string_view::npos))
-        return 0;
-    const std::string_view token = hostAt(lower, at);
-    const auto dots = std::ranges::count(token, '.');
-    // "ZorDba.ZOR_Config.ClientName" is a column: only a host's own part has an underscore.
-    if (dots == 0 || token.find('_', token.find('.')) != token.npos || token.find("..") != token.npos ||
-        std::ranges::none_of(token, isLetter))
-        return 0;
-    const std::string_view last = token.substr(token.rfind('.') + 1);
-    if (last.size() < 2 || !std::ranges::all_of(last, isLetter) || isIn(FILE_ENDINGS, last))
-        return 0;
-    return dots > 1 || isPublicDomain(last) ? token.size() : 0;
-}
-
 } // namespace
 
 void Mask::learn(NameKind kind, std::string_view name) {
@@ -185,7 +28,7 @@ void Mask::learn(NameKind kind, std::string_view name) {
         learnHost(kind, utf8, true);
     else if (utf8.find_first_of("/[") != utf8.npos)
         learnPath(kind, utf8);
-    else if (const size_t slash = utf8.rfind('\\'); slash != utf8.npos && kind == NameKind::User)
+    else if (const size_t slash = utf8.rfind('\\'); slash < utf8.size() - 1 && kind == NameKind::User)
         add(utf8, add(kind, std::string_view(utf8).substr(slash + 1))); // behind a domain of Windows
     else
         add(kind, utf8);
@@ -194,31 +37,16 @@ void Mask::learn(NameKind kind, std::string_view name) {
 void Mask::learnHost(NameKind kind, std::string_view name, bool isSure) {
     const size_t dot = name.find('.');
     const std::string lower = folded(name);
-    if (dot == name.npos || isNoName(lower) || m_standIns.contains(lower)) {
+    if (dot == name.npos || isNoName(lower) || m_names.standInOf(lower)) {
         add(kind, name);
         return;
     }
     // "time" of "time.maker.example" is a word that stands in many places; but a server's own name is known.
     const std::string_view first = name.substr(0, dot), rest = name.substr(dot + 1);
-    const bool isWord = !isSure && !isDistinct(first) && !m_standIns.contains(folded(first));
-    const std::string domain = isPublicDomain(folded(rest)) ? std::string(rest) : add(NameKind::Domain, rest);
-    add(name, (isWord ? nextStandIn(kind) : add(kind, first)) + "." + domain);
-}
-
-// The mailbox around an "@". Its first part is a word more often than not: it is masked by itself only if it
-// is distinct.
-void Mask::learnMailbox(std::string_view text, size_t at) {
-    size_t begin = at;
-    while (begin > 0 && (isOfUser(text[begin - 1]) || text[begin - 1] == '+'))
-        --begin;
-    const std::string_view person = trimmed(text.substr(begin, at - begin));
-    const std::string_view host = hostAt(text, at + 1);
-    if (person.empty() || host.find('.') == host.npos ||
-        !std::ranges::all_of(host.substr(host.rfind('.') + 1), isLetter))
-        return; // "VER@6.1"
-    learnHost(NameKind::Host, host, false);
-    const std::string user = isDistinct(person) ? add(NameKind::User, person) : nextStandIn(NameKind::User);
-    add(std::string(person) + "@" + std::string(host), user + "@" + add(NameKind::Host, host));
+    const bool isWord = !isSure && !isDistinct(first) && !m_names.standInOf(folded(first));
+    const std::string domain =
+        isPublicDomain(folded(rest)) ? std::string(rest) : addPart(NameKind::Domain, rest);
+    add(name, (isWord ? nextStandIn(kind) : addPart(kind, first)) + "." + domain);
 }
 
 // "/Northgate/vm/Production", "[store1] iso/tools.iso"
@@ -230,6 +58,11 @@ void Mask::learnPath(NameKind kind, std::string_view path) {
     }
 }
 
+// What names nothing alone ("10.1.2.3" of "ip.10.1.2.3") may do so in a longer name.
+std::string Mask::addPart(NameKind kind, std::string_view part) {
+    return isNoName(folded(part)) ? nextStandIn(kind) : add(kind, part);
+}
+
 std::string Mask::nextStandIn(NameKind kind) {
     const auto number = static_cast<size_t>(kind);
     return std::string(KIND_NAMES[number]) + "-" + std::to_string(++m_counts[number]);
@@ -239,51 +72,62 @@ std::string Mask::add(NameKind kind, std::string_view name) {
     const std::string lower = folded(name);
     if (isNoName(lower))
         return std::string(name);
-    if (const auto known = m_standIns.find(lower); known != m_standIns.end())
-        return known->second;
+    if (const std::string* known = m_names.standInOf(lower))
+        return *known;
     std::string standIn = nextStandIn(kind);
     add(name, standIn);
     return standIn;
 }
 
 void Mask::add(std::string_view name, const std::string& standIn) {
-    if (!addSpelling(name, standIn))
+    if (name.size() < 2 || name.size() > LONGEST_NAME || !m_names.add(name, standIn))
         return;
     m_legend.emplace_back(standIn, name);
-    addSpelling(replaced(std::string(name), "'", "''"), standIn);
-    std::string xml = replaced(std::string(name), "&", "&amp;");
+    m_names.add(replaced(name, "'", "''"), standIn);
+    std::string xml = replaced(name, "&", "&amp;");
     xml = replaced(replaced(xml, "<", "&lt;"), ">", "&gt;");
-    addSpelling(xml, standIn);
-    addSpelling(replaced(replaced(xml, "\"", "&quot;"), "'", "&apos;"), standIn);
-}
-
-bool Mask::addSpelling(std::string_view name, const std::string& standIn) {
-    const auto [place, isNew] = m_standIns.try_emplace(folded(name), standIn);
-    if (isNew && name.size() > 1) {
-        std::vector<size_t>& lengths = m_lengths[startOf(place->first, 0)];
-        const auto at = std::ranges::lower_bound(lengths, name.size(), std::greater<>());
-        if (at == lengths.end() || *at != name.size())
-            lengths.insert(at, name.size());
-    }
-    return isNew;
+    m_names.add(xml, standIn);
+    m_names.add(replaced(replaced(xml, "\"", "&quot;"), "'", "&apos;"), standIn);
 }
 
 void Mask::survey(std::string_view text) {
     const std::string lower = folded(text);
-    for (size_t at = lower.find('@'); at != lower.npos; at = lower.find('@', at + 1))
-        learnMailbox(text, at);
+    surveyMailboxes(text);
+    surveyHosts(text, lower);
+    surveyUsers(text, lower);
+    surveyShares(text, lower);
+}
+
+// The first part of a mailbox is a word more often than not: it is masked by itself only if it is distinct.
+void Mask::surveyMailboxes(std::string_view text) {
+    for (size_t at = text.find('@'); at != text.npos; at = text.find('@', at + 1))
+        if (const auto mailbox = mailboxAround(text, at)) {
+            const auto [person, host] = *mailbox;
+            learnHost(NameKind::Host, host, false);
+            const std::string user =
+                isDistinct(person) ? addPart(NameKind::User, person) : nextStandIn(NameKind::User);
+            add(std::string(person) + "@" + std::string(host), user + "@" + addPart(NameKind::Host, host));
+        }
+}
+
+void Mask::surveyHosts(std::string_view text, std::string_view lower) {
     for (size_t at = 0; at < lower.size(); ++at)
         if (const size_t length = hostLength(lower, at)) {
             learnHost(NameKind::Host, text.substr(at, length), false);
             at += length;
         }
+}
+
+// "/home/otto", "C:\Users\otto"
+void Mask::surveyUsers(std::string_view text, std::string_view lower) {
     for (const std::string_view folder : {"home/", "users/", "users\\"})
-        for (size_t at = lower.find(folder); at != lower.npos; at = lower.find(folder, at + 1)) {
-            const size_t begin = lower.find_first_not_of('\\', at + folder.size());
+        for (size_t at = lower.find(folder); at != lower.npos; at = lower.find(folder, at + 1))
             if (startsWord(lower, at))
-                learn(NameKind::User, userAt(text, begin));
-        }
-    // "\\server\share", the backslashes doubled where a text is quoted
+                learn(NameKind::User, userAt(text, lower.find_first_not_of('\\', at + folder.size())));
+}
+
+// "\\server\share", the backslashes doubled where a text is quoted
+void Mask::surveyShares(std::string_view text, std::string_view lower) {
     for (size_t at = lower.find("\\\\"); at != lower.npos; at = lower.find("\\\\", at)) {
         const bool isFirst = !isWordBefore(lower, at) && (at == 0 || lower[at - 1] != ':');
         at = std::min(lower.find_first_not_of('\\', at), lower.size());
@@ -300,16 +144,15 @@ std::string Mask::masked(std::string_view text) {
     std::string out;
     out.reserve(text.size());
     for (size_t at = 0; at < text.size();) {
-        Found found = nameAt(lower, at);
-        if (found.length == 0)
-            if (const auto address = addressAt(lower, at))
-                found = {address->length, spelledLike(*address, addressStandIn(*address))};
-        if (found.length == 0) {
+        if (const KnownNames::Found name = m_names.at(lower, at); name.length > 0) {
+            out += name.standIn;
+            at += name.length;
+        } else if (const auto address = addressAt(lower, at)) {
+            out += spelledLike(*address, addressStandIn(*address));
+            at += address->length;
+        } else {
             out += text[at++];
-            continue;
         }
-        out += found.standIn;
-        at += found.length;
     }
     return out;
 }
@@ -321,22 +164,6 @@ std::uint32_t Mask::masked(std::uint32_t address) {
     in_addr standIn{};
     ::inet_pton(AF_INET, masked(std::string_view(text.data())).c_str(), &standIn);
     return ntohl(standIn.s_addr);
-}
-
-Mask::Found Mask::nameAt(std::string_view lower, std::size_t at) const {
-    if (at + 2 > lower.size())
-        return {};
-    const auto lengths = m_lengths.find(startOf(lower, at));
-    if (lengths == m_lengths.end())
-        return {};
-    for (const size_t length : lengths->second) {
-        const std::string_view name = lower.substr(at, length);
-        const auto known = m_standIns.find(name);
-        if (known != m_standIns.end() &&
-            (isDistinct(name) || (startsWord(lower, at) && !isWordAt(lower, at + length))))
-            return {length, known->second};
-    }
-    return {};
 }
 
 std::string Mask::addressStandIn(const Address& address) {

@@ -3,16 +3,16 @@
 // follow it.
 #pragma once
 
+#include "bundle/KnownNames.h"
 #include "bundle/addresses.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Zorvane {
@@ -43,8 +43,7 @@ class Mask {
   public:
     /// Masks this name from now on, as it is and as XML and SQL write it; one that is known already keeps its
     /// stand-in. A host's or a client's short name and its domain have stand-ins of their own, of a path each
-    /// part has. Passed over is what names nothing: single characters, small numbers, addresses,
-    /// "localhost", "root", "current".
+    /// part has. Passed over is what names nothing (isNoName).
     void learn(NameKind kind, std::string_view name);
     /// Learns what gives itself away in any text: host names with their domain, addresses of mail, users'
     /// folders, and servers of shared folders.
@@ -60,30 +59,21 @@ class Mask {
     [[nodiscard]] std::string legend() const;
 
   private:
-    struct Hash : std::hash<std::string_view> {
-        using is_transparent = void;
-    };
-    struct Found {
-        std::size_t length = 0; ///< 0: nothing
-        std::string standIn{};
-    };
-
     void learnHost(NameKind kind, std::string_view name, bool isSure);
-    void learnMailbox(std::string_view text, std::size_t at);
     void learnPath(NameKind kind, std::string_view path);
     std::string nextStandIn(NameKind kind);
     std::string add(NameKind kind, std::string_view name);
+    std::string addPart(NameKind kind, std::string_view part);
     void add(std::string_view name, const std::string& standIn);
-    bool addSpelling(std::string_view name, const std::string& standIn);
-    [[nodiscard]] Found nameAt(std::string_view lower, std::size_t at) const;
+    void surveyMailboxes(std::string_view text);
+    void surveyHosts(std::string_view text, std::string_view lower);
+    void surveyUsers(std::string_view text, std::string_view lower);
+    void surveyShares(std::string_view text, std::string_view lower);
     std::string addressStandIn(const Address& address);
 
     std::array<unsigned, NAME_KINDS> m_counts{};
     std::array<unsigned, 3> m_addressCounts{};
-    /// By the name in small letters.
-    std::unordered_map<std::string, std::string, Hash, std::equal_to<>> m_standIns;
-    /// How long names are, by their first two bytes; the longest first.
-    std::unordered_map<std::uint16_t, std::vector<std::size_t>> m_lengths;
+    KnownNames m_names;
     std::map<std::string, std::string, std::less<>> m_addresses;
     std::vector<std::pair<std::string, std::string>> m_legend;
 };

@@ -16,9 +16,6 @@ using std::size_t;
 
 constexpr size_t CARD_DIGITS = 12;
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 bool isHexLetter(char c) {
     return c >= 'a' && c <= 'f';
 }
@@ -66,8 +63,9 @@ std::optional<Address> ipv4At(std::string_view lower, size_t at) {
 }
 
 std::optional<Address> ipv6At(std::string_view lower, size_t at) {
-    std::string text(
-        lower.substr(at, runOf(lower, at, [](char c) { return isHex(c) || c == ':' || c == '.'; })));
+    // More than the longest one takes, so that what goes on is none; a long text may be of such signs alone.
+    const std::string_view most = lower.substr(at, INET6_ADDRSTRLEN + 1);
+    std::string text(most.substr(0, runOf(most, 0, [](char c) { return isHex(c) || c == ':' || c == '.'; })));
     const bool isEnded = !isWordAt(lower, at + text.size()) && charAt(lower, at + text.size()) != '(';
     while (text.ends_with('.') || (text.ends_with(':') && !text.ends_with("::"))) // a sentence's
         text.pop_back();

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "bundle/documentNames.h"
 
+#include "bundle/names.h"
 #include "bundle/utf8.h"
 #include "model/CZor.h"
 #include "model/TableDescriptor.h"
 #include "platform/codeSetCommon.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
 
 namespace Zorvane {
 
@@ -91,6 +96,9 @@ constexpr struct {
     {"SystemSerialNumber", NameKind::Serial},
 };
 
+// In the names of values that stay behind, such as the password that Windows signs on with by itself.
+constexpr std::string_view SECRETS[] = {"password", "passwd", "secret"};
+
 template <class Visit>
 void forEachField(CZor& rows, const Visit& visit) {
     for (const VectorDescriptor& vector : allVectors())
@@ -105,6 +113,17 @@ void learnRegistryValue(const TableDescriptor& table, const BaseTable& row, Mask
     for (const auto& [value, kind] : REGISTRY_VALUES)
         if (value == name)
             mask.learn(kind, row.*table.find("Value")->text);
+}
+
+// Of a row that is a name and a value.
+bool isSecret(const TableDescriptor& table, const BaseTable& row) {
+    return std::ranges::any_of(std::to_array({"Name", "Property"}), [&](const char* field) {
+        const Field* const name = table.find(field);
+        return name && name->kind == FieldKind::Text &&
+               std::ranges::any_of(SECRETS, [lower = folded(row.*name->text)](std::string_view word) {
+                   return lower.find(word) != lower.npos;
+               });
+    });
 }
 
 } // namespace
@@ -138,28 +157,42 @@ void learnRows(CZor& rows, Mask& mask) {
 }
 
 void maskRows(CZor& rows, Mask& mask) {
-    forEachField(rows, [&](const TableDescriptor&, const Field& field, BaseTable& row) {
+    forEachField(rows, [&](const TableDescriptor& table, const Field& field, BaseTable& row) {
         if (field.kind == FieldKind::Ipv4)
             row.*field.uint32 = mask.masked(row.*field.uint32);
-        // "7.6.0.4" may be a version or an address.
-        else if (field.kind == FieldKind::Text && !std::string_view(field.name).ends_with("Version"))
-            row.*field.text = ZorDbToMbsCommon(mask.masked(toUtf8(row.*field.text)));
+        if (field.kind != FieldKind::Text)
+            return;
+        std::string& text = row.*field.text;
+        if (text.size() > LONGEST_NAME && kindOfField(table.name, field.name))
+            text.clear();                                            // the mask knows of it its parts at best
+        else if (!std::string_view(field.name).ends_with("Version")) // "7.6.0.4" may be an address as well
+            text = ZorDbToMbsCommon(mask.masked(toUtf8(text)));
     });
 }
 
-std::string withoutContents(std::string document) {
+std::optional<std::string> writtenRows(CZor& rows) {
+    std::string document = documentText(rows);
+    CZor again;
+    return readRows(document, again) ? std::optional(std::move(document)) : std::nullopt;
+}
+
+std::optional<std::string> withoutSecrets(const std::string& document) {
     CZor rows;
     if (!readRows(document, rows))
-        return document;
+        return std::nullopt;
     forEachField(rows, [](const TableDescriptor& table, const Field& field, BaseTable& row) {
+        const bool isOfFile = std::string_view(table.name) == "FileContent";
         if (field.kind == FieldKind::Binary)
             (row.*field.binary).clear();
-        else if (std::string_view(table.name) == "FileContent" && field.kind == FieldKind::Int32)
+        else if (isOfFile && field.kind == FieldKind::Int32)
             row.*field.int32 = 0;
-        else if (std::string_view(table.name) == "FileContent" && field.kind == FieldKind::UInt32)
+        else if (isOfFile && field.kind == FieldKind::UInt32)
             row.*field.uint32 = 0;
+        else if (field.kind == FieldKind::Text && std::string_view(field.name) == "Value" &&
+                 isSecret(table, row))
+            (row.*field.text).clear();
     });
-    return documentText(rows);
+    return writtenRows(rows);
 }
 
 } // namespace Zorvane

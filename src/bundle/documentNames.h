@@ -23,8 +23,12 @@ void learnRows(CZor& rows, Mask& mask);
 /// Masks the texts and the addresses of all rows.
 void maskRows(CZor& rows, Mask& mask);
 
-/// The document without the contents of files, among which are those that hold passwords; their sizes are 0
-/// then. What is no document stays.
-std::string withoutContents(std::string document);
+/// The rows as a document; nothing where that breaks off: for want of memory, or at a character that XML has
+/// no place for.
+std::optional<std::string> writtenRows(CZor& rows);
+
+/// The document without the contents of files, among which are those that hold passwords, whose sizes are 0
+/// then, and without values that are called passwords or secrets. Nothing for what is no document.
+std::optional<std::string> withoutSecrets(const std::string& document);
 
 } // namespace Zorvane

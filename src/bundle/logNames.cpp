@@ -67,26 +67,32 @@ constexpr std::pair<std::string_view, NameKind> OPTIONS[] = {
 std::string fromXml(std::string text) {
     for (const auto& [entity, sign] :
          {std::pair("&lt;", "<"), {"&gt;", ">"}, {"&quot;", "\""}, {"&apos;", "'"}, {"&amp;", "&"}})
-        text = replaced(std::move(text), entity, sign);
+        text = replaced(text, entity, sign);
     return text;
 }
 
-// Calls with what stands behind each place of a text, up to the end of its line.
+enum class Places : bool { All, OneALine };
+
+// Calls with what stands behind each place of a text, up to the end of its line; of a line's places behind
+// the first one only, if the call deals with all of the line.
 template <class Visit>
-void eachBehind(std::string_view text, std::string_view before, const Visit& visit) {
+void eachBehind(std::string_view text, std::string_view before, Places places, const Visit& visit) {
     for (std::size_t at = text.find(before); at != NPOS; at = text.find(before, at + 1)) {
         // "client=" is not to be found in "noclient=".
         const bool isWhole = at == 0 || !std::isalnum(static_cast<unsigned char>(before.front())) ||
                              !std::isalnum(static_cast<unsigned char>(text[at - 1]));
+        if (!isWhole)
+            continue;
         const std::string_view rest = text.substr(at + before.size(), LONGEST_REST);
-        if (isWhole)
-            visit(rest.substr(0, rest.find('\n')));
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        visit(line);
+        at += places == Places::OneALine ? line.size() : 0;
     }
 }
 
 void learnMarked(std::string_view text, Mask& mask) {
     for (const Marker& marker : MARKERS)
-        eachBehind(text, marker.before, [&](std::string_view line) {
+        eachBehind(text, marker.before, Places::All, [&](std::string_view line) {
             std::string_view value = line.substr(0, line.find(marker.end == "," ? ", " : marker.end));
             value = value.substr(0, value.find("\\n"));
             const bool isHost = marker.kind == NameKind::Host || marker.kind == NameKind::Client;
@@ -97,7 +103,7 @@ void learnMarked(std::string_view text, Mask& mask) {
 
 // "zorb2v -C alpha -config before update -vmpo": what stands behind an option, up to the next.
 void learnCommandLines(std::string_view text, Mask& mask) {
-    eachBehind(text, "Command line: ", [&](std::string_view line) {
+    eachBehind(text, "Command line: ", Places::OneALine, [&](std::string_view line) {
         for (std::size_t at = line.find(" -"); at != NPOS; at = line.find(" -", at + 1)) {
             const std::string_view option = line.substr(at + 1, line.find(" -", at + 1) - at - 1);
             const std::size_t blank = option.find(' ');
@@ -114,7 +120,7 @@ void learnCommandLines(std::string_view text, Mask& mask) {
 
 // "lower(ZorDba.ZOR_Config.ClientName) = lower('alpha')", where '' is a ' of the name
 void learnConditions(std::string_view text, Mask& mask) {
-    eachBehind(text, "ZorDba.ZOR_", [&](std::string_view line) {
+    eachBehind(text, "ZorDba.ZOR_", Places::All, [&](std::string_view line) {
         const std::size_t dot = line.find('.'), end = line.find_first_of(" )=,"), quote = line.find('\'');
         if (dot == NPOS || end == NPOS || quote == NPOS || dot > end || quote > end + 16)
             return;
@@ -122,13 +128,14 @@ void learnConditions(std::string_view text, Mask& mask) {
         while (last != NPOS && line.substr(last + 1).starts_with('\''))
             last = line.find('\'', last + 2);
         if (const auto kind = kindOfField(line.substr(0, dot), line.substr(dot + 1, end - dot - 1)))
-            mask.learn(*kind, replaced(std::string(line.substr(quote + 1, last - quote - 1)), "''", "'"));
+            mask.learn(*kind, replaced(line.substr(quote + 1, last - quote - 1), "''", "'"));
     });
 }
 
 // "... app 2 - [433:14] text": in all languages a message has quotes around the names that it is given.
 void learnMessages(std::string_view text, Mask& mask) {
-    eachBehind(text, " - [" + std::to_string(ZOR_COMMAND_ORIGINATOR) + ":", [&](std::string_view line) {
+    const std::string before = " - [" + std::to_string(ZOR_COMMAND_ORIGINATOR) + ":";
+    eachBehind(text, before, Places::OneALine, [&](std::string_view line) {
         for (const auto& [open, close] :
              {std::pair<std::string_view, std::string_view>("\"", "\""), {"「", "」"}})
             for (std::size_t begin = line.find(open); begin != NPOS;) {
@@ -143,7 +150,7 @@ void learnMessages(std::string_view text, Mask& mask) {
 
 // "kvnrd	listing 11	server	proxy, object	0" of the lab's list of requests
 void learnListings(std::string_view text, Mask& mask) {
-    eachBehind(text, "kvnrd\tlisting ", [&](std::string_view line) {
+    eachBehind(text, "kvnrd\tlisting ", Places::OneALine, [&](std::string_view line) {
         line.remove_prefix(std::min(line.find('\t'), line.size()));
         for (std::string_view field; !line.empty();
              line.remove_prefix(std::min(field.size() + 1, line.size()))) {
@@ -155,8 +162,8 @@ void learnListings(std::string_view text, Mask& mask) {
 
 } // namespace
 
-std::string readableLog(std::string text) {
-    return replaced(std::move(text), "and config=,", " and config=,");
+std::string readableLog(std::string_view text) {
+    return replaced(text, "and config=,", " and config=,");
 }
 
 void learnFromLog(std::string_view text, Mask& mask) {

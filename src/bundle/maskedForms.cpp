@@ -28,7 +28,7 @@ std::optional<std::string> maskedDocument(const std::string& text, Mask& mask) {
     if (!readRows(text, rows))
         return std::nullopt;
     maskRows(rows, mask);
-    return documentText(rows);
+    return writtenRows(rows);
 }
 
 } // namespace

@@ -29,7 +29,7 @@ void learnFrom(Form form, const std::string& text, Mask& mask);
 std::optional<std::string> maskedFile(Form form, const std::string& text, Mask& mask);
 
 /// A log whose lines can be read: the one that runs on behind a client's name has a blank there.
-std::string readableLog(std::string text);
+std::string readableLog(std::string_view text);
 /// The names that the lines of a log tell of: behind the keys of the trace, in command lines, in the
 /// arguments of messages, in conditions on rows, and in what the request daemon is asked and answers.
 void learnFromLog(std::string_view text, Mask& mask);

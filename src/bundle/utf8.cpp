@@ -18,8 +18,8 @@ unsigned char byteAt(std::string_view text, std::size_t at) {
     return static_cast<unsigned char>(text[at]);
 }
 
-bool isAsciiWord(unsigned char c) {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+bool isAsciiWord(char c) {
+    return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
 // The first byte of a letter of two: Latin, Greek, Cyrillic. Behind C2 are signs.
@@ -85,19 +85,21 @@ std::string folded(std::string_view text) {
 }
 
 bool isWordBefore(std::string_view text, std::size_t at) {
-    return at > 0 &&
-           (isAsciiWord(byteAt(text, at - 1)) ||
-            (at > 1 && Suite::isUtf8Continuation(text[at - 1]) && startsLetter(byteAt(text, at - 2))));
+    return at > 0 && (isAsciiWord(text[at - 1]) || (at > 1 && Suite::isUtf8Continuation(text[at - 1]) &&
+                                                    startsLetter(byteAt(text, at - 2))));
 }
 
 bool isWordAt(std::string_view text, std::size_t at) {
-    return at < text.size() && (isAsciiWord(byteAt(text, at)) || startsLetter(byteAt(text, at)));
+    return at < text.size() && (isAsciiWord(text[at]) || startsLetter(byteAt(text, at)));
 }
 
-std::string replaced(std::string text, std::string_view what, std::string_view by) {
-    for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + by.size()))
-        text.replace(at, what.size(), by);
-    return text;
+std::string replaced(std::string_view text, std::string_view what, std::string_view by) {
+    std::string out;
+    for (std::size_t at = text.find(what); at != text.npos; at = text.find(what)) {
+        out.append(text.substr(0, at)).append(by);
+        text.remove_prefix(at + what.size());
+    }
+    return out.append(text);
 }
 
 } // namespace Zorvane

@@ -22,11 +22,15 @@ std::string toUtf8(std::string_view text);
 /// In small letters, each in its place: a letter whose small one takes another number of bytes stays.
 std::string folded(std::string_view text);
 
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
 // Whether a letter or a digit ends before a place, or begins there. Letters of three bytes count as none:
 // their scripts set no blanks between words.
 bool isWordBefore(std::string_view text, std::size_t at);
 bool isWordAt(std::string_view text, std::size_t at);
 
-std::string replaced(std::string text, std::string_view what, std::string_view by);
+std::string replaced(std::string_view text, std::string_view what, std::string_view by);
 
 } // namespace Zorvane

@@ -92,7 +92,7 @@ std::string_view headingOf(const Subject& subject) {
 
 // A sentence a line, where it has room.
 void writeManualText(std::ostream& out, std::string_view text) {
-    const std::string escaped = replaced(std::string(text), " -", " \\-") + " ";
+    const std::string escaped = replaced(text, " -", " \\-") + " ";
     for (std::size_t at = 0, end = 0; (end = escaped.find(". ", at)) != escaped.npos; at = end + 2)
         out << paragraph(std::string_view(escaped).substr(at, end + 1 - at), 0);
 }

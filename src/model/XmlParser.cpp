@@ -153,7 +153,9 @@ int XmlParser::parse(const unsigned char* inBuffer, int bufferLen) {
         rc = XML_DOM_FAILURE;
     } catch (...) {
         m_lackedMemory = isLackOfMemory();
-        trace.write(LEVEL_FAILURE, "Exiting, Caught unexpected error, the document could not be parsed.");
+        trace.write(LEVEL_FAILURE, "Exiting, Caught unexpected error, ",
+                    m_lackedMemory ? "memory was lacking for the document."
+                                   : "the document could not be parsed.");
         rc = XML_NOT_WELL_FORMED;
     }
     if (rc != 0)

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/framework/XMLRecognizer.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
@@ -37,6 +38,12 @@ void log(mrthLogDebugLevel_t level, const char* label, const char* what, const s
         "ErrorHandler- fatalError message: ", reason);
     throw FATAL_ERROR; // NOLINT(cert-err09-cpp,cert-err61-cpp): a text is what the parser's users catch
 }
+
+// What the names of code sets begin with in which the bytes of ASCII mean nothing else, whatever stands
+// before them.
+constexpr const XMLCh* ASCII_CODE_SETS[] = {
+    u"UTF-8",       u"UTF8",  u"US-ASCII", u"ASCII", u"ISO-8859-", u"ISO8859-", u"ISO_8859-", u"LATIN",
+    u"WINDOWS-125", u"CP125", u"KOI8-",    u"EUC-",  u"GB",        u"BIG5",     u"SHIFT_JIS", u"SJIS"};
 
 // The walk over a document passes over the texts between records and between their fields.
 constexpr unsigned RECORD_DEPTH = 2;
@@ -117,6 +124,23 @@ bool hasTooManyAttributes(std::string_view text) {
     return false;
 }
 
+// Of a text in UTF-16 its characters of ASCII, and a sign of no meaning for each other one.
+std::string asciiOf(std::string_view text, bool isBigEndian) {
+    std::string ascii(text.size() / 2, '?');
+    for (std::size_t i = 0; i < ascii.size(); ++i) {
+        const char low = text[2 * i + (isBigEndian ? 1 : 0)], high = text[2 * i + (isBigEndian ? 0 : 1)];
+        if (high == 0 && low > 0)
+            ascii[i] = low;
+    }
+    return ascii;
+}
+
+// The same in either order of the bytes: the declaration may stand in one, and what is behind it in the
+// other.
+bool hasTooManyAttributesWide(std::string_view text) {
+    return hasTooManyAttributes(asciiOf(text, false)) || hasTooManyAttributes(asciiOf(text, true));
+}
+
 } // namespace
 
 void ZorXmlErrorHandler::warning(const xercesc::SAXParseException& exception) {
@@ -151,7 +175,9 @@ ZorDomParser::ZorDomParser() : XercesDOMParser(nullptr, &treeMemory()) {
 void ZorDomParser::parseDocument(std::span<const unsigned char> bytes) {
     using namespace xercesc;
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (hasTooManyAttributes(text))
+    const auto family = XMLRecognizer::basicEncodingProbe(bytes.data(), bytes.size());
+    m_isWide = family == XMLRecognizer::UTF_16B || family == XMLRecognizer::UTF_16L;
+    if (m_isWide ? hasTooManyAttributesWide(text) : hasTooManyAttributes(text))
         refuse("an element has too many attributes");
     useScanner(startsWithItsRoot(text) ? XMLUni::fgWFXMLScanner : XMLUni::fgIGXMLScanner);
     // The library wants every source to have a name; this one is read by nobody.
@@ -164,6 +190,17 @@ void ZorDomParser::parseDocument(std::span<const unsigned char> bytes) {
     m_blanks.clear();
     m_isLarge = bytes.size() >= LARGE;
     parse(MemBufInputSource(bytes.data(), bytes.size(), id.c_str(), false));
+}
+
+// The look at the attributes has to know what the bytes mean. `inForce` is the code set of what follows,
+// whatever the declaration says; a document without one is in UTF-8, or in UTF-16 by its first bytes.
+void ZorDomParser::XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                           const XMLCh* inForce) {
+    using xercesc::XMLString;
+    const auto isNamed = [&](const XMLCh* name) { return XMLString::startsWithI(inForce, name); };
+    if (m_isWide ? !isNamed(u"UTF-16") : std::ranges::none_of(ASCII_CODE_SETS, isNamed))
+        refuse("its code set is not accepted");
+    XercesDOMParser::XMLDecl(version, encoding, standalone, inForce);
 }
 
 void ZorDomParser::doctypeDecl(const xercesc::DTDElementDecl&, const XMLCh*, const XMLCh*, bool, bool) {

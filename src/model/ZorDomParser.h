@@ -25,9 +25,9 @@ class ZorXmlErrorHandler : public xercesc::ErrorHandler {
 };
 
 /// The library's parser, made safe for what a peer may send: no document type, so that no entity is ever
-/// declared, expanded or fetched, and bounds on the nesting, on the number of nodes, on attributes and on
-/// names. A breach ends the parse like any other fatal
-/// error. White space that only sets records and fields apart is not kept in the tree.
+/// declared, expanded or fetched, bounds on the nesting and on the number of nodes, attributes and names, and
+/// only code sets in which the attributes can be counted beforehand. A breach ends the parse like any other
+/// fatal error. White space that only sets records and fields apart is not kept in the tree.
 class ZorDomParser : public xercesc::XercesDOMParser {
   public:
     ZorDomParser();
@@ -36,6 +36,8 @@ class ZorDomParser : public xercesc::XercesDOMParser {
     /// throw.
     void parseDocument(std::span<const unsigned char> bytes);
 
+    void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                 const XMLCh* inForce) override;
     void doctypeDecl(const xercesc::DTDElementDecl& root, const XMLCh* publicId, const XMLCh* systemId,
                      bool hasIntSubset, bool hasExtSubset) override;
     void startDocument() override;
@@ -75,6 +77,7 @@ class ZorDomParser : public xercesc::XercesDOMParser {
     std::vector<std::size_t> m_declarations; ///< of namespaces: how deep their elements stand that are open
     std::size_t m_nodes = 0;
     bool m_isLarge = false;
+    bool m_isWide = false;       ///< its first bytes are UTF-16
     std::vector<XMLCh> m_blanks; ///< white space not yet known to be of any use
 };
 

@@ -31,8 +31,8 @@ class StandardMemory final : public xercesc::MemoryManager {
 class Rethrow final : public xercesc::PanicHandler {
   public:
     [[noreturn]] void panic(PanicReasons reason) override {
-        if (std::current_exception())
-            throw;
+        if (const std::exception_ptr failure = std::current_exception())
+            std::rethrow_exception(failure);
         throw std::runtime_error(getPanicReasonString(reason));
     }
 };

@@ -248,7 +248,7 @@ TEST(LayoutLabels, areShortAndHarmless) {
                                                 {"M\xC3\xBCller", "M\xC3\xBCller"},
                                                 {"\xC3(", "\xEF\xBF\xBD("},
                                                 {"\xE2\x80\xAEtxt", "\\u202etxt"},
-                                                {"\xED\xA0\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"},
+                                                {"\xED\xA0\x80", "\xEF\xBF\xBD\xEF\xBF\xBD\\x80"},
                                                 {"\xEF\xBF\xBF", "\\uffff"}};
     for (const auto& [text, expected] : texts)
         EXPECT_EQ(shown(text), expected);

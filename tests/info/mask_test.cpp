@@ -8,7 +8,13 @@
 
 #include <map>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+using testing::AllOf;
+using testing::AnyOf;
+using testing::HasSubstr;
+using testing::Not;
 
 namespace Zorvane {
 namespace {
@@ -24,7 +30,10 @@ TEST(Mask, putsTheSameStandInInPlaceOfAName) {
     mask.learn(NameKind::Name, "root");
     mask.learn(NameKind::Machine, "M\xFCllerhost"); // ISO 8859-1
     mask.learn(NameKind::Store, "[O'Hara & Co] iso/x.iso");
+    for (const char* store : {"San one", "San one two", "San"})
+        mask.learn(NameKind::Store, store);
     const std::pair<const char*, const char*> cases[] = {
+        {"san, san one two, san one twofold, san ones", "store-5, store-4, store-3 twofold, store-5 ones"},
         {"client=LEDGER01.corp.example, rc=0", "client=client-1.domain-1, rc=0"},
         {"ledger01 esx01 other.corp.example", "client-1 host-1 other.domain-1"},
         {"oldledger01x", "oldclient-1x"},
@@ -101,6 +110,40 @@ TEST(Mask, learnsFromTextsWhatGivesItselfAway) {
     Mask mask;
     EXPECT_FALSE(maskedFile(Form::Toml, "name = \"half", mask));
     EXPECT_FALSE(maskedFile(Form::Document, "<half", mask));
+}
+
+// Seconds to minutes each, if what a place of a text costs has no bound.
+TEST(Mask, isDoneWithHostileTextsSoon) {
+    const auto repeated = [](const std::string& part) {
+        std::string text;
+        while (text.size() < 300'000)
+            text += part;
+        return text;
+    };
+    for (const char* part :
+         {"a:", "\\\\x\\ ", "and config=,", " - [433:\"", "kvnrd\tlisting \t,", "aa.", "a"}) {
+        Mask mask;
+        std::string name = "a";
+        for (int i = 0; i < 1000; ++i)
+            mask.learn(NameKind::Name, name += "a");
+        mask.learn(NameKind::Client, "ledger01");
+        const std::string text = readableLog(repeated(part) + "\nledger01");
+        learnFrom(Form::Log, text, mask);
+        EXPECT_TRUE(mask.masked(std::string_view(text)).ends_with("\nclient-1")) << part;
+    }
+}
+
+TEST(Documents, goAlongWithoutSecrets) {
+    const std::string kept =
+        withoutSecrets(
+            "<ZorData><RegistryValue><Name>DefaultPassword</Name><Value>hush</Value></RegistryValue>"
+            "<RegistryValue><Name>Shell</Name><Value>a</Value></RegistryValue>"
+            "<EsmConf><Name>CLIENT_SECRET</Name><Value>hush</Value></EsmConf>"
+            "<FileContent><Content>aHVzaA==</Content></FileContent></ZorData>")
+            .value_or("");
+    EXPECT_THAT(kept, AllOf(HasSubstr("CLIENT_SECRET"), HasSubstr("<Value>a</Value>")));
+    EXPECT_THAT(kept, Not(AnyOf(HasSubstr("hush"), HasSubstr("aHVzaA"))));
+    EXPECT_FALSE(withoutSecrets("<ZorData><RegistryValue>")) << "what is left out can't be told";
 }
 
 TEST(Configuration, keepsTheKeysThatTheSuiteKnows) {

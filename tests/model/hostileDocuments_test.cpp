@@ -4,6 +4,7 @@
 #include "model/CZor.h"
 #include "model/XmlParser.h"
 #include "suite/Scratch.h"
+#include "suite/utf8.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -166,6 +167,15 @@ TEST(HostileDocuments, NamesAttributesAndNamespacesAreBounded) {
             text += "<a xmlns='u'/>";
         return text + "</r>";
     };
+    const auto in = [](const char* codeSet, const std::string& text) {
+        return Suite::inCodeSet(text, "UTF-8", codeSet).value_or("");
+    };
+    const auto wide = [&](std::size_t count) { // U+3C00 has the byte of a "<"
+        return in("UTF-16", "<e" + many(count, " a", "='\u3C00'") + "/>");
+    };
+    const auto declared = [](const std::string& codeSet) {
+        return "<?xml version='1.0' encoding='" + codeSet + "'?>";
+    };
     const std::string quoted = "<r a='" + std::string(600, '=') + ">'>" + std::string(600, '=') + "</r>";
     const struct {
         const char* what;
@@ -179,6 +189,14 @@ TEST(HostileDocuments, NamesAttributesAndNamespacesAreBounded) {
          "<r>" + many(XML_MAX_NAMES + 1, "<e a", "=''/>") + "</r>"},
         {"namespaces", nestedDeclarations(XML_MAX_NAMESPACES), nestedDeclarations(XML_MAX_NAMESPACES + 1)},
         {"what only looks like it", quoted, "<r>"},
+        {"attributes in UTF-16", wide(XML_MAX_ATTRIBUTES), wide(XML_MAX_ATTRIBUTES + 1)},
+        {"a code set whose attributes are not seen", declared("iso-8859-1") + "<r>\xE9</r>",
+         in("IBM037", declared("IBM037") + "<r/>")},
+        {"a code set that is only declared", declared("Shift_JIS") + "<r/>",
+         declared("IBM037") + in("IBM037", "<r/>")},
+        {"the other order of bytes", in("UTF-16BE", declared("UTF-16") + "<r/>"),
+         in("UTF-16LE", declared("UTF-16BE")) +
+             in("UTF-16BE", "<e" + many(XML_MAX_ATTRIBUTES + 1, " a", "='\u3C00'") + "/>")},
         {"declarations one after the other", siblings(10 * XML_MAX_NAMESPACES), "<r>"},
     };
     for (const auto& test : cases) {

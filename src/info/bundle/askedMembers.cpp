@@ -2,6 +2,7 @@
 #include "info/bundle/askedMembers.h"
 
 #include "bundle/Bundle.h"
+#include "bundle/documentNames.h"
 #include "bundle/withinLimit.h"
 #include "info/asks/TargetTree.h"
 #include "info/asks/recoveryQueries.h"
@@ -20,13 +21,19 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+std::string written(CZor& rows) {
+    if (auto document = writtenRows(rows))
+        return *std::move(document);
+    throw InfoFailure(InfoExit::NOT_ASKED, "the answer can't be written as a document");
+}
+
 std::string askDocument(const std::string& client, const std::string& config) {
     CZor rows;
     requireAnswer(queryConfigRecord(rows, client, config), "the configurations of " + client);
     if (rows.m_vConfig.empty())
         throw InfoFailure(InfoExit::NOT_ASKED, "client " + client + " has no configuration " + config);
     requireAnswer(queryConfigTree(rows), "configuration " + config + " of " + client);
-    return documentText(rows);
+    return written(rows);
 }
 
 std::string askCheck(const std::vector<std::string>& words) {
@@ -44,7 +51,7 @@ std::string askRows() {
     for (const char* table : {CConfig::TableName, CP2VRestoreTask::TableName, CP2VRestoreTaskLog::TableName,
                               CVmwareProfileOptions::TableName, CDiskToDataStoreMap::TableName})
         requireAnswer(rows.queryRequest("*", table, table + all), "the names of clients and targets");
-    return documentText(rows);
+    return written(rows);
 }
 
 // A line for each name: the kind's number, a blank, the name.
