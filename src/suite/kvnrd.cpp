@@ -10,6 +10,7 @@
 #include <charconv>
 #include <cstring>
 #include <optional>
+#include <utility>
 
 #include <sys/socket.h>
 #include <syslog.h>
@@ -29,20 +30,33 @@ std::optional<int> readNumber(int socket) {
     return error == std::errc() && last == end ? std::optional(number) : std::nullopt;
 }
 
+// Closed at the end of its scope, by a lack of memory, too, unless its socket has been taken out.
+struct Connection {
+    int socket = -1;
+
+    Connection() = default;
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+    ~Connection() {
+        if (socket >= 0)
+            kvlink_closesocket(socket);
+    }
+};
+
 } // namespace
 
 int kvnrd_connect(const char* master, const char* client, const char* user, int, int* socket) {
-    const std::string greeting = std::string(client) + " " + user;
-    if (const int status = kvlink_connect_to_service(master, "kvnrd", 0, 0, 0, 0, socket))
+    *socket = -1;
+    Connection connection;
+    if (const int status = kvlink_connect_to_service(master, "kvnrd", 0, 0, 0, 0, &connection.socket))
         return status;
-    Zorvane::Suite::startConversation(*socket);
-    const int status = put_string(*socket, greeting.c_str(), "greeting") != 0
+    Zorvane::Suite::startConversation(connection.socket);
+    const std::string greeting = std::string(client) + " " + user;
+    const int status = put_string(connection.socket, greeting.c_str(), "greeting") != 0
                            ? KVN_STATUS_WRITE_FAILED
-                           : readNumber(*socket).value_or(KVN_STATUS_READ_FAILED);
-    if (status != 0) {
-        kvlink_closesocket(*socket);
-        *socket = -1;
-    }
+                           : readNumber(connection.socket).value_or(KVN_STATUS_READ_FAILED);
+    if (status == 0)
+        *socket = std::exchange(connection.socket, -1);
     return status;
 }
 
@@ -61,15 +75,14 @@ int get_kvnrdRCVD(int socket, int) {
 int put_string(int socket, const char* text, const char*) {
     if (!text || std::strchr(text, '\n'))
         return errno = EINVAL;
-    // Not joined: that would take memory, whose lack would leave the connection to nobody.
-    for (std::string_view piece : {std::string_view(text), std::string_view("\n")})
-        while (!piece.empty()) {
-            const ssize_t count = Zorvane::Suite::sendPiece(socket, piece.data(), piece.size());
-            if (count >= 0)
-                piece.remove_prefix(static_cast<std::size_t>(count));
-            else if (errno != EINTR)
-                return errno;
-        }
+    const std::string line = std::string(text) + "\n";
+    for (std::size_t sent = 0; sent < line.size();) {
+        const ssize_t count = Zorvane::Suite::sendPiece(socket, line.data() + sent, line.size() - sent);
+        if (count >= 0)
+            sent += static_cast<std::size_t>(count);
+        else if (errno != EINTR)
+            return errno;
+    }
     return 0;
 }
 
