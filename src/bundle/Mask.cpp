@@ -139,6 +139,15 @@ void Mask::surveyShares(std::string_view text, std::string_view lower) {
     }
 }
 
+// In "node-1.lo'hara-stores" the name of the store begins inside of what looks like a host, and must not get
+// away with it.
+size_t Mask::untilNextName(std::string_view lower, size_t at, size_t length) const {
+    for (size_t inner = 1; inner < length; ++inner)
+        if (m_names.at(lower, at + inner).length > length - inner)
+            return inner;
+    return length;
+}
+
 std::string Mask::masked(std::string_view text) {
     const std::string lower = folded(text);
     std::string out;
@@ -146,10 +155,10 @@ std::string Mask::masked(std::string_view text) {
     for (size_t at = 0; at < text.size();) {
         if (const KnownNames::Found name = m_names.at(lower, at); name.length > 0) {
             out += name.standIn;
-            at += name.length;
+            at += untilNextName(lower, at, name.length);
         } else if (const auto address = addressAt(lower, at)) {
             out += spelledLike(*address, addressStandIn(*address));
-            at += address->length;
+            at += untilNextName(lower, at, address->length);
         } else {
             out += text[at++];
         }

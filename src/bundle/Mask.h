@@ -69,6 +69,7 @@ class Mask {
     void surveyHosts(std::string_view text, std::string_view lower);
     void surveyUsers(std::string_view text, std::string_view lower);
     void surveyShares(std::string_view text, std::string_view lower);
+    [[nodiscard]] std::size_t untilNextName(std::string_view lower, std::size_t at, std::size_t length) const;
     std::string addressStandIn(const Address& address);
 
     std::array<unsigned, NAME_KINDS> m_counts{};

@@ -29,6 +29,7 @@ TEST(Mask, putsTheSameStandInInPlaceOfAName) {
     mask.learn(NameKind::User, "CORP\\anna");
     mask.learn(NameKind::Name, "root");
     mask.learn(NameKind::Machine, "M\xFCllerhost"); // ISO 8859-1
+    mask.learn(NameKind::Machine, "example-box7");
     mask.learn(NameKind::Store, "[O'Hara & Co] iso/x.iso");
     for (const char* store : {"San one", "San one two", "San"})
         mask.learn(NameKind::Store, store);
@@ -37,6 +38,7 @@ TEST(Mask, putsTheSameStandInInPlaceOfAName) {
         {"client=LEDGER01.corp.example, rc=0", "client=client-1.domain-1, rc=0"},
         {"ledger01 esx01 other.corp.example", "client-1 host-1 other.domain-1"},
         {"oldledger01x", "oldclient-1x"},
+        {"ledger01.corp.example-box7", "client-1.domain-1machine-2"}, // one begins inside of the other
         {"/Northgate/vm/Production/Web", "/folder-1/vm/folder-2/Web"},
         {"Gold golden gold\\nGold 「Gold」 Goldü", "pool-1 golden pool-1\\npool-1 「pool-1」 Goldü"},
         {"VM Network: VM, Network, root", "network-1: VM, Network, root"},
