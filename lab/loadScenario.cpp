@@ -9,6 +9,7 @@
 #include "logging/getMessage.h"
 #include "platform/stringManipulation.h"
 #include "suite/printable.h"
+#include "suite/toml.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -196,7 +197,7 @@ void write(const std::filesystem::path& file, const std::string& text) {
 std::string withoutMaster(const LabDirectory& directory) {
     toml::table table = toml::parse_file(directory.configuration().string());
     table.insert_or_assign("master", toml::table{{"servers", toml::array{}}});
-    return (std::ostringstream() << table << "\n").str();
+    return Suite::tomlText(table);
 }
 
 std::string shellLine(const Words& words) {

@@ -4,7 +4,6 @@
 #include "suite/toml.h"
 
 #include <algorithm>
-#include <sstream>
 #include <string_view>
 
 #include <fnmatch.h>
@@ -69,10 +68,6 @@ void eachText(toml::node& node, std::string_view table, std::string_view key, co
             eachText(each, table, key, visit);
 }
 
-std::string written(const toml::table& table) {
-    return (std::ostringstream() << table << '\n').str();
-}
-
 bool isKnown(const std::string& key, const toml::node& value) {
     const toml::array* list = value.as_array();
     const bool isPlain =
@@ -120,7 +115,7 @@ std::optional<std::string> maskedToml(const std::string& text, Mask& mask) {
     eachText(*root, {}, {}, [&](std::string& value, std::string_view, std::string_view) {
         value = mask.masked(std::string_view(value));
     });
-    return written(*root);
+    return Suite::tomlText(*root);
 }
 
 std::optional<std::string> knownConfiguration(const std::string& text) {
@@ -131,7 +126,7 @@ std::optional<std::string> knownConfiguration(const std::string& text) {
     toml::table known = knownKeys(*root, "", others);
     if (!others.empty())
         known.insert("left_out", std::move(others));
-    return written(known);
+    return Suite::tomlText(known);
 }
 
 } // namespace Zorvane

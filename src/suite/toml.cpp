@@ -5,6 +5,7 @@
 #include <atomic>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <string>
 
 namespace Zorvane::Suite {
@@ -68,6 +69,17 @@ toml::table parseToml(std::string_view text, std::string_view file) {
     if (Reserve::isGone())
         throw std::bad_alloc();
     return root;
+}
+
+std::string tomlText(const toml::table& table) {
+    // Of texts that hold lines or three quotes the library's other forms of strings make what can't be read.
+    using Flags = toml::format_flags;
+    toml::toml_formatter formatter(table,
+                                   toml::toml_formatter::default_flags &
+                                       ~(Flags::allow_literal_strings | Flags::allow_multi_line_strings));
+    std::ostringstream text;
+    text << formatter << '\n';
+    return text.str();
 }
 
 } // namespace Zorvane::Suite

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 // It asserts things that a file decides on, and reports the same things as an error right behind.
@@ -26,5 +27,8 @@ namespace Zorvane::Suite {
 /// Parses a file's text, whatever it holds. toml::parse_error for what is no TOML or beyond the bounds;
 /// std::bad_alloc.
 [[nodiscard]] toml::table parseToml(std::string_view text, std::string_view file);
+
+/// A file's text, which parses to the same table.
+[[nodiscard]] std::string tomlText(const toml::table& table);
 
 } // namespace Zorvane::Suite

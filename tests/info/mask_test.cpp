@@ -98,8 +98,8 @@ TEST(Mask, learnsFromTextsWhatGivesItselfAway) {
         {Form::Log, "kvnrd\tlisting 19\tvc9\tcv9, Northgate\t0",
          "kvnrd\tlisting 19\tname-1\tname-2, name-3\t0"},
         {Form::Toml,
-         "[[server]] # of Meier\nname = \"Me\\u0069er's\"\ntype = 'esx'\nnote = \"\"\"\nMeier's\"\"\"\n",
-         "[[server]]\nname = 'host-1'\nnote = 'host-1'\ntype = 'esx'\n"},
+         "[[server]] # of Meier\nname = \"Me\\u0069er's\"\ntype = 'esx'\nnote = \"\"\"\nMeier's\n'''x\"\"\"\n",
+         "[[server]]\nname = \"host-1\"\nnote = \"host-1\\n'''x\"\ntype = \"esx\"\n"},
         {Form::Json, R"({"debug": ["C:\\Users\\otto"]})",
          "{\n  \"debug\": [\n    \"C:\\\\Users\\\\user-1\"\n  ]\n}\n"},
     };
@@ -155,9 +155,9 @@ TEST(Configuration, keepsTheKeysThatTheSuiteKnows) {
                            "debug = 2\n[secrets]\nuri = 'https://u:x5@h'\n[[services]]\nzord = 'x6'\n")
             .value_or("");
     EXPECT_EQ(kept,
-              "left_out = [ 'api_key', 'logging.token', 'master.quss.pwd', 'secrets.uri', 'services' ]\n\n"
+              "left_out = [ \"api_key\", \"logging.token\", \"master.quss.pwd\", \"secrets.uri\", \"services\" ]\n\n"
               "[logging]\ndebug = 1\n\n    [logging.originator.128]\n    debug = 2\n\n"
-              "[master]\nservers = [ 'a' ]\n");
+              "[master]\nservers = [ \"a\" ]\n");
     EXPECT_FALSE(knownConfiguration("password = x"));
     EXPECT_FALSE(knownConfiguration(std::string(40'000, 'a').replace(1, 1, ".") + " = 1"));
 }
