@@ -6,14 +6,20 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstddef>
+#include <cstdio>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace Zorvane {
 
@@ -76,12 +82,35 @@ std::string wordFor(const std::string& operation, const std::string& subject, co
     return other == others.end() ? operation : other->second;
 }
 
+// Below what a lab chooses by itself.
+constexpr int FIRST_PORT = 9000;
+constexpr int PORT_SLOTS = 900;
+
+// Three ports that no other test's lab has while the descriptor is open: a name that is bound is taken. A lab
+// listens some time after its ports were chosen, and another might have chosen them meanwhile.
+std::pair<Suite::Descriptor, int> takePorts() {
+    for (int i = 0; i < PORT_SLOTS; ++i) {
+        const int port = FIRST_PORT + 3 * ((::getpid() + i) % PORT_SLOTS);
+        Suite::Descriptor lock(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+        sockaddr_un name{.sun_family = AF_UNIX, .sun_path = {}};
+        const int size = std::snprintf(name.sun_path + 1, sizeof name.sun_path - 1, "zor-lab-ports-%d", port);
+        if (::bind(lock.get(), reinterpret_cast<const sockaddr*>(&name),
+                   static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + size)) == 0)
+            return {std::move(lock), port};
+    }
+    throw std::runtime_error("no ports are left for a lab");
+}
+
 } // namespace
 
 Lab::Lab() {
+    auto [lock, port] = takePorts();
+    m_ports = std::move(lock);
     std::string name = (std::filesystem::temp_directory_path() / "zor-lab-XXXXXX").string();
     m_folder = mkdtemp(name.data());
-    EXPECT_EQ(finish(start({ZOR_ZORLAB, "init", path("lab")}, {}, path("out"), path("err"))), 0)
+    EXPECT_EQ(finish(start({ZOR_ZORLAB, "init", path("lab"), "--base-port", std::to_string(port)}, {},
+                           path("out"), path("err"))),
+              0)
         << readFile(path("err"));
     setenv("KVN_CONF", path("lab/kvn.toml").c_str(), 1); // for the texts of the messages
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include "suite/descriptor.h"
+
 #include <filesystem>
 #include <map>
 #include <string>
@@ -52,6 +54,7 @@ class Lab {
     void forget();
 
   private:
+    Suite::Descriptor m_ports{-1}; ///< holds its ports against other tests
     std::filesystem::path m_folder;
     std::vector<std::string> m_rules;
     int m_server = 0;
