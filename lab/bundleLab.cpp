@@ -57,8 +57,9 @@ void learnDatabase(Mask& mask, const LabDirectory& directory) {
     for (const TableDescriptor* table : allTables())
         for (const Field& field : table->fields)
             if (const auto kind = kindOfField(table->name, field.name)) {
-                Statement names = database.prepare("SELECT DISTINCT " + quotedName(field.name) + " FROM " +
-                                                   table->tableName);
+                const std::string sql =
+                    "SELECT DISTINCT " + quotedName(field.name) + " FROM " + table->tableName;
+                Statement names = database.prepare(sql);
                 while (names.step())
                     mask.learn(*kind, names.text(0));
             }
